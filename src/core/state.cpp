@@ -9,6 +9,7 @@ InstrumentLinkRecord Link;
 GpsLinkRecord GpsLink;
 ModelRecord Model;
 DataFileRecord DataFileState;
+PositionRecord Position;
 DisplayScalesRecord Scales;
 MessageTextsRecord Messages;
 
@@ -26,6 +27,7 @@ void ResetProgramState() {
   ResetRecord(GpsLink);
   ResetRecord(Model);
   ResetRecord(DataFileState);
+  ResetRecord(Position);
   ResetRecord(Scales);
   ResetRecord(Messages);
 }

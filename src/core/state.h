@@ -210,6 +210,7 @@ struct GpsLinkRecord {
   volatile int GpsLogEnable = 1;
   volatile int32_t GpsSequenceNumber = 0;
   double GpsOffsetYEffective = 0.0;       // metres; EM34-3 adds half the coil separation
+  volatile uint32_t SessionStartTick = 0; // tick of "$STARTED": older GPS groups are not written
   int PositionOffsetApplied = 1;
   double SwathFar = 0.0;                  // map units
   double SwathNear = 0.0;
@@ -256,6 +257,21 @@ struct DataFileRecord {
   wchar_t DataFileName[TEXT_PATH_CHARS] = {};
 };
 
+// The survey's place on the ground: the map origin, the UTM zone and the extent.
+struct PositionRecord {
+  int UtmZone = -9;                      // -9: no zone yet in this session
+  int FileUtmZone = -9;                  // zone of the first fix, written to the header
+  double FirstLatitude = 0.0;            // first fix, kept so that an append can reproject it
+  double FirstLongitude = 0.0;
+  double FirstPositionEasting = 0.0;     // map origin, map units
+  double FirstPositionNorthing = 0.0;
+  double PreviousEasting = 0.0;
+  double PreviousNorthing = 0.0;
+  double PreviousUtcSeconds = 0.0;
+  double CurrentSpeed = 0.0;
+  double LastSpeed = -2.0;
+};
+
 // Reading scales of the profile, bars and colour image.
 struct ScaleTickTable {
   int Ticks[10] = {};
@@ -290,6 +306,7 @@ extern InstrumentLinkRecord Link;
 extern GpsLinkRecord GpsLink;
 extern ModelRecord Model;
 extern DataFileRecord DataFileState;
+extern PositionRecord Position;
 extern DisplayScalesRecord Scales;
 extern MessageTextsRecord Messages;
 
