@@ -10,6 +10,7 @@ GpsLinkRecord GpsLink;
 ModelRecord Model;
 DataFileRecord DataFileState;
 PositionRecord Position;
+MapWindowRecord MapWindow;
 DisplayScalesRecord Scales;
 MessageTextsRecord Messages;
 
@@ -28,6 +29,7 @@ void ResetProgramState() {
   ResetRecord(Model);
   ResetRecord(DataFileState);
   ResetRecord(Position);
+  ResetRecord(MapWindow);
   ResetRecord(Scales);
   ResetRecord(Messages);
 }

@@ -257,6 +257,14 @@ struct DataFileRecord {
   wchar_t DataFileName[TEXT_PATH_CHARS] = {};
 };
 
+// Size of the map window and the cursor drawn on it.
+struct MapWindowRecord {
+  int MapWndWidth = 0;                   // side of the square map window, pixels
+  int CursorBoxSize = 13;
+  int CursorArmSize = 6;
+  int CursorBandPixels = 76;             // band along the edges where the window scrolls
+};
+
 // The survey's place on the ground: the map origin, the UTM zone and the extent.
 struct PositionRecord {
   int UtmZone = -9;                      // -9: no zone yet in this session
@@ -307,6 +315,7 @@ extern GpsLinkRecord GpsLink;
 extern ModelRecord Model;
 extern DataFileRecord DataFileState;
 extern PositionRecord Position;
+extern MapWindowRecord MapWindow;
 extern DisplayScalesRecord Scales;
 extern MessageTextsRecord Messages;
 
