@@ -15,3 +15,30 @@ struct UtmConstantsRecord {
 extern UtmConstantsRecord UtmConstants;
 
 void InitUtmConstants();
+
+// Unit factors, each exactly as the system has always used it; they are not
+// each other's reciprocals.
+constexpr double METRES_TO_FEET = 3.28084;                 // sentence path and speed
+constexpr double METRES_TO_US_FEET = 3.2808333333333355;   // sentence path
+constexpr double FEET_TO_METRES = 0.3048;                  // UTM path: metres / this
+constexpr double US_FEET_TO_METRES = 0.304800609601219;    // UTM path: metres / this
+
+constexpr int NO_UTM_ZONE = -9;
+
+// Latitude and longitude (signed degrees) to UTM metres. With useGivenZone 0
+// the zone follows from the longitude and is written to *zone; with 1 *zone
+// is read and the point is projected into that zone however far away it is.
+void LatLonToUtm(double latitude, double longitude, int* zone, double* northing,
+                 double* easting, int useGivenZone);
+
+// Two zones are compatible when equal or next to each other; 1 and 60 are
+// neighbours across the date line.
+bool UtmZonesCompatible(int a, int b);
+
+// Metres of the UTM path in the map's units (`Settings.MapUnits`).
+double MetresToMapUnits(double metres);
+
+// The "E:" and "N:" texts of a UTM value by `Settings.CoordinateDisplayUnits`
+// (1 metres, 2 feet, 3 US Survey Feet), and the "Z:" text.
+void FormatUtmText(double metres, char* text, int capacity);
+void FormatZoneText(int zone, char* text, int capacity);

@@ -38,3 +38,7 @@ extern GpsFormatRecord GpsFormat;
 
 // Builds `GpsFormat` from `Settings.GpsDataOption` and `Settings.PseudoGgaSlam`.
 void SetGpsFormatTable();
+
+// What the dilution field is called on the logging screen and in the mask:
+// "PDOP:", "HDOP:", "GDOP:" or "SLAM Conf.:", by the same two settings.
+const char* GpsDilutionLabel();

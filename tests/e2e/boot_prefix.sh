@@ -2,7 +2,7 @@
 # Boots a 64-bit Wine prefix for the tests: windows drawn by Wine itself (no
 # window manager under Xvfb), real fonts, quiet debug output.
 set -eu
-prefix="$1"
+prefix="$(realpath -m "$1")"
 if [ -f "$prefix/.kelvo-ready" ]; then exit 0; fi
 rm -rf "$prefix"
 mkdir -p "$(dirname "$prefix")"

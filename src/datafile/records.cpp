@@ -1,0 +1,575 @@
+// Record writers of the data file. A record is printed field after field into
+// a zeroed buffer: a field that needs more room than its columns widens and
+// shifts the later ones, and whatever passes the record's end is lost. The
+// line feed always takes the last byte. A group of records is built on the
+// writer's own stack, since the GPS thread and the screen's thread both write.
+#include "datafile/records.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <new>
+
+#include "core/local_time.h"
+#include "core/text.h"
+#include "core/ticks.h"
+#include "core/variant.h"
+
+void (*DataFileSink)(const char* bytes, size_t count) = nullptr;
+
+DataFileNamesRecord DataFileNames;
+ManualStationRecord ManualStation;
+CalibrationValuesRecord CalibrationValues;
+
+namespace {
+
+constexpr int NAME_IN_H = 10;        // characters of the base name in the "H" record
+constexpr int NAME_IN_L = 10;        // further characters in the "L" records
+constexpr int LINE_NAME_IN_L = 12;
+constexpr int MARKER_TEXT_CHARS = 11;
+constexpr int READING_TEXT_CHARS = 13;
+constexpr int STACKED_TEXT_CHARS = 12;
+constexpr int EM38MK2_FRAME_CHARS = 14;
+constexpr int EM61_FRAME_CHARS = 16;
+constexpr int GRAD601_TEXT_END = 16;  // the tick's offset in the Grad601 record template
+
+// One record being printed.
+struct RecordText {
+  char Bytes[RECORD_BUFFER_BYTES];
+  int Column;
+  int Length;
+};
+
+// Records printed one after the other, handed on in one call.
+struct RecordGroup {
+  char Bytes[RECORD_GROUP_RECORDS * RECORD_LENGTH_LONGEST];
+  int Count;
+  int Length;
+};
+
+int TickColumn() { return RecordLength() - 11; }
+
+void BeginRecord(RecordText& record) {
+  memset(record.Bytes, 0, sizeof record.Bytes);
+  record.Column = 0;
+  record.Length = RecordLength();
+}
+
+void PutChar(RecordText& record, char c) {
+  if (record.Column < record.Length - 1) record.Bytes[record.Column] = c;
+  ++record.Column;
+}
+
+void PutText(RecordText& record, const char* text) {
+  for (; *text; ++text) PutChar(record, *text);
+}
+
+void PutBytes(RecordText& record, const unsigned char* bytes, int count) {
+  for (int i = 0; i < count; ++i) PutChar(record, (char)bytes[i]);
+}
+
+// Text of at most `width` characters, blank padded to `width`.
+void PutPadded(RecordText& record, const char* text, int width) {
+  int i = 0;
+  for (; i < width && text[i]; ++i) PutChar(record, text[i]);
+  for (; i < width; ++i) PutChar(record, ' ');
+}
+
+void PutBlanks(RecordText& record, int count) {
+  for (int i = 0; i < count; ++i) PutChar(record, ' ');
+}
+
+// Blanks up to `column`; nothing when an earlier field has already passed it.
+void PadTo(RecordText& record, int column) {
+  while (record.Column < column) PutChar(record, ' ');
+}
+
+#if defined(__GNUC__)
+__attribute__((format(printf, 2, 3)))
+#endif
+void PutFormat(RecordText& record, const char* format, ...) {
+  // Nothing past a record's end is kept, so a short field buffer suffices.
+  char field[64];
+  va_list args;
+  va_start(args, format);
+  vsnprintf(field, sizeof field, format, args);
+  va_end(args);
+  PutText(record, field);
+}
+
+void PutTick(RecordText& record, uint32_t tick) {
+  PadTo(record, TickColumn());
+  PutFormat(record, "%10lu", (unsigned long)tick);
+}
+
+void PutClockTime(RecordText& record, const LocalTime& time) {
+  PutFormat(record, "%02d:%02d:%02d.%03d", time.Hour, time.Minute, time.Second, time.Milliseconds);
+}
+
+// Blanks behind the text, the line feed last.
+void EndRecord(RecordText& record) {
+  for (int i = record.Column; i < record.Length - 1; ++i) record.Bytes[i] = ' ';
+  record.Bytes[record.Length - 1] = '\n';
+}
+
+// Leaves one column as the zeroed buffer has it.
+void SkipColumn(RecordText& record) { ++record.Column; }
+
+void SetColumn(RecordText& record, int column, char c) {
+  if (column >= 0 && column < record.Length - 1) record.Bytes[column] = c;
+}
+
+void BeginGroup(RecordGroup& group) {
+  group.Count = 0;
+  group.Length = RecordLength();
+}
+
+void AddToGroup(RecordGroup& group, RecordText& record) {
+  EndRecord(record);
+  if (group.Count >= RECORD_GROUP_RECORDS) return;
+  memcpy(group.Bytes + group.Count * group.Length, record.Bytes, (size_t)group.Length);
+  ++group.Count;
+}
+
+void SendGroup(const RecordGroup& group) {
+  void (*sink)(const char*, size_t) = DataFileSink;
+  if (sink && group.Count > 0) sink(group.Bytes, (size_t)group.Count * (size_t)group.Length);
+}
+
+void SendOne(RecordText& record) {
+  RecordGroup group;
+  BeginGroup(group);
+  AddToGroup(group, record);
+  SendGroup(group);
+}
+
+// ---------------------------------------------------------------- header
+
+struct SignatureRow {
+  int Model;
+  const char* Mapping;
+  const char* Navigation;
+};
+
+const SignatureRow SignatureTable[] = {
+    {Grad601, "KLV601 AW", "LUM601 AW"},   {EM61LX2, "KLVLX1  W", "LUMLX1  W"},
+    {EM61MK2, "KLVMK2  W", "LUMMK2  W"},   {EM31MK2, "KLV31   W", "LUM31   W"},
+    {EM38, "KLV38   W", "LUM38   W"},      {EM343, "KLV343  W", "LUM343  W"},
+    {EM38MK2, "KLV38MK2W", "LUM382  W"},
+};
+
+// The nine characters of the signature, with the variations of the EM61 family.
+void MakeSignature(char signature[10]) {
+  const SignatureRow* row = &SignatureTable[3];
+  for (const SignatureRow& candidate : SignatureTable)
+    if (candidate.Model == InstrumentModel) row = &candidate;
+  memcpy(signature, IsNavigation() ? row->Navigation : row->Mapping, 10);
+  if (InstrumentModel == EM61LX2) {
+    signature[5] = Settings.SensorCount == 0 ? '1' : '2';
+    if (Settings.Em61Type != 0) signature[6] = 'N';
+  } else if (InstrumentModel == EM61MK2 && IsNavigation()) {
+    if (Settings.Em61Type != 0 && Settings.Em61Type != 2) signature[6] = 'H';
+  }
+}
+
+// The program's version without its point: "2.26" gives "226".
+void MakeVersionDigits(char digits[4]) {
+  const char* version = VariantVersion();
+  int n = 0;
+  for (int i = 0; version[i] && n < 3; ++i)
+    if (version[i] != '.') digits[n++] = version[i];
+  digits[n] = 0;
+}
+
+// Columns 15 to 25 of record 1.
+void PutConfiguration(RecordText& record) {
+  const ProgramSettings& s = Settings;
+  PutFormat(record, "%1d", s.MapUnits);
+  switch (InstrumentModel) {
+    case Grad601:
+      PutFormat(record, " %1d %1d%1d%1d", s.SurveyMode, s.SensorCount, s.SoftMarkerKey, s.InstrumentEnabled);
+      break;
+    case EM61LX2:
+      PutFormat(record, "%1d%1d%1d%1d %1d%1d", s.SensorSize, s.SurveyMode, s.Em61Type, s.SoftMarkerKey,
+                s.InstrumentEnabled, s.SensorCount);
+      break;
+    case EM61MK2:
+      PutFormat(record, "%1d%1d%1d  %1d", s.SensorSize, s.SurveyMode, s.Em61Type, s.InstrumentEnabled);
+      break;
+    case EM38MK2:
+      PutFormat(record, "%1d%1d%1d%1d%2d", s.DipoleMode, s.SurveyMode, s.Component,
+                s.Em38Mk2Type == 0 ? 2 : s.Em38Mk2Type, s.InstrumentEnabled);
+      break;
+    default: {  // EM31-MK2, EM38, EM34-3
+      int type = InstrumentModel == EM343 ? s.Em34Reference : s.CoilLengthType;
+      PutFormat(record, "%1d%1d%1d%1d", s.DipoleMode, s.SurveyMode, s.Component, type);
+      if (IsNavigation()) PutBlanks(record, 2);
+      else PutFormat(record, "%2d", s.InstrumentEnabled);
+      break;
+    }
+  }
+}
+
+void AddSignatureRecord(RecordGroup& group, int appendFlag) {
+  RecordText record;
+  BeginRecord(record);
+  char signature[10];
+  char version[4];
+  MakeSignature(signature);
+  MakeVersionDigits(version);
+  if (appendFlag == 1 && !IsNavigation()) signature[0] = 'r';
+  PutText(record, signature);
+  PutText(record, version);
+  PutText(record, Settings.GpsInput != 0 ? "GPS" : "GRD");
+  PutConfiguration(record);
+  AddToGroup(group, record);
+}
+
+void PutSurveyParameter(RecordText& record) {
+  if (InstrumentModel == Grad601) {
+    PutFormat(record, "%5.2f  ", Settings.SensorSeparation);
+    return;
+  }
+  if (Settings.SurveyMode == SURVEY_WHEEL) {
+    PutFormat(record, "%7.3f", Settings.StationIncrementWheel);
+  } else if (Settings.SurveyMode == SURVEY_MANUAL) {
+    if (InstrumentModel == EM61MK2 || InstrumentModel == EM61LX2)
+      PutFormat(record, "%7.3f", Settings.StationIncrementManual);
+    else
+      PutFormat(record, "%7d", Settings.Em34SamplesPerReading);
+  } else {
+    PutFormat(record, "%7.3f", Settings.SampleInterval);
+  }
+}
+
+void AddNameRecord(RecordGroup& group) {
+  RecordText record;
+  BeginRecord(record);
+  PutChar(record, 'H');
+  PutPadded(record, DataFileNames.BaseName, NAME_IN_H);
+  PutSurveyParameter(record);
+  PutBlanks(record, 2);
+  PutFormat(record, "%4d", 0);
+  AddToGroup(group, record);
+}
+
+void AddGpsConfigurationRecord(RecordGroup& group) {
+  RecordText record;
+  BeginRecord(record);
+  PutChar(record, 'G');
+  PutFormat(record, "%7.3f%7.3f", Settings.GpsOffsetX, Settings.GpsOffsetY);
+  if (InstrumentModel == EM61MK2) PutFormat(record, "%1d", (int)Link.Em61FastLink);
+  else PutChar(record, ' ');
+  PutFormat(record, "7%1d%1d%1d%1d", Settings.RtsUnits, Settings.PseudoGgaSlam, Settings.GpsDataOption,
+            Settings.GpsInput);
+  AddToGroup(group, record);   // the installation stamp stays blank
+}
+
+void AddFirstPositionRecords(RecordGroup& group) {
+  RecordText record;
+  BeginRecord(record);
+  PutFormat(record, "G%14.3f %02d", Position.FirstPositionEasting, Position.FileUtmZone);
+  AddToGroup(group, record);
+  BeginRecord(record);
+  PutFormat(record, "G%14.3f", Position.FirstPositionNorthing);
+  AddToGroup(group, record);
+}
+
+void AddHeaderZeroLevelRecords(RecordGroup& group) {
+  for (double level : CalibrationValues.ZeroLevels) {
+    RecordText record;
+    BeginRecord(record);
+    PutFormat(record, "O%9.2f", level);
+    AddToGroup(group, record);
+  }
+}
+
+void AddEm38Mk2CalibrationRecords(RecordGroup& group) {
+  for (int i = 0; i < 6; ++i) {
+    RecordText record;
+    BeginRecord(record);
+    PutFormat(record, "O%1d%10.3f %10.3f", i + 1, CalibrationValues.Em38Mk2Offsets[i],
+              CalibrationValues.Em38Mk2PreviousOffsets[i]);
+    AddToGroup(group, record);
+  }
+}
+
+// "O" and "I" calibration records: the second value or blanks, and the
+// closing "1" one column before the line feed.
+void AddCalibrationRecord(RecordGroup& group, char tag, double value, int withSecond, double second) {
+  RecordText record;
+  BeginRecord(record);
+  PutChar(record, tag);
+  PutFormat(record, "%9.2f ", value);
+  if (withSecond) PutFormat(record, "%9.2f    ", second);
+  else PutBlanks(record, 13);
+  SetColumn(record, record.Length - 3, ' ');
+  SetColumn(record, record.Length - 2, '1');
+  AddToGroup(group, record);
+}
+
+void AddLx2FilterRecords(RecordGroup& group) {
+  for (double value : CalibrationValues.Lx2FilterValues) AddCalibrationRecord(group, 'I', value, 1, 0.0);
+}
+
+bool HasZeroLevels() { return InstrumentModel == EM61MK2 || InstrumentModel == EM61LX2; }
+
+// ---------------------------------------------------------------- line header
+
+const char LineDirectionLetters[] = {'W', 'S', 'N', 'E'};
+
+void AddLineNameRecord(RecordGroup& group) {
+  RecordText record;
+  BeginRecord(record);
+  char line[TEXT_LINE_CHARS];
+  NarrowText(Settings.SurveyLine, line, TEXT_LINE_CHARS);
+  PutChar(record, 'L');
+  PutPadded(record, line, LINE_NAME_IN_L);
+  if (DataFileNames.NameContinues) {
+    const char* name = DataFileNames.BaseName;
+    size_t length = strnlen(name, sizeof DataFileNames.BaseName);
+    if (length > (size_t)NAME_IN_H) PutPadded(record, name + NAME_IN_H, NAME_IN_L);
+  }
+  AddToGroup(group, record);
+}
+
+void AddBeginStationRecord(RecordGroup& group) {
+  RecordText record;
+  BeginRecord(record);
+  PutFormat(record, "B%11.2f", Settings.StartStation);
+  AddToGroup(group, record);
+}
+
+void AddAttributesRecord(RecordGroup& group) {
+  RecordText record;
+  BeginRecord(record);
+  int direction = Settings.LineDirection;
+  PutChar(record, 'A');
+  PutChar(record, direction >= 0 && direction <= 3 ? LineDirectionLetters[direction] : ' ');
+  PutBlanks(record, 6);
+  PutFormat(record, "%11.3f", Session.StationIncrement);
+  SkipColumn(record);   // the print's terminating zero stays in the file; readers count columns
+  AddToGroup(group, record);
+}
+
+void AddDateRecord(RecordGroup& group, const LocalTime& time) {
+  RecordText record;
+  BeginRecord(record);
+  PutFormat(record, "Z%02d%02d%04d %02d:%02d:%02d", time.Day, time.Month, time.Year, time.Hour, time.Minute,
+            time.Second);
+  AddToGroup(group, record);
+}
+
+// ---------------------------------------------------------------- readings
+
+uint32_t ReadingTick() {
+  if (InstrumentModel == EM61MK2 || InstrumentModel == EM61LX2 || InstrumentModel == Grad601)
+    return Link.LastByteTick;
+  return Link.LastReadingTick;
+}
+
+// Grad601: 'T', the frame's first two characters, then the frame from its
+// sixth character ("BAR" left out), up to the tick at offset 16.
+void PutGrad601Text(RecordText& record, const unsigned char* frame) {
+  PutChar(record, 'T');
+  int end = 0;
+  while (end < FRAME_BUFFER_BYTES && frame[end]) ++end;
+  for (int i = 0; i < end && i < 2; ++i) PutChar(record, (char)frame[i]);
+  for (int i = 5; i < end && record.Column < GRAD601_TEXT_END; ++i) PutChar(record, (char)frame[i]);
+}
+
+void PutReadingText(RecordText& record, const unsigned char* frame) {
+  switch (InstrumentModel) {
+    case Grad601:
+      PutGrad601Text(record, frame);
+      break;
+    case EM61MK2:
+    case EM61LX2:
+      PutBytes(record, frame, EM61_FRAME_CHARS);
+      break;
+    case EM38MK2:
+      PutBytes(record, frame, EM38MK2_FRAME_CHARS);
+      break;
+    default: {
+      int length = Link.FrameLength;
+      if (length < 0) length = 0;
+      if (length > READING_TEXT_CHARS) length = READING_TEXT_CHARS;
+      PutBytes(record, frame, length);
+      PadTo(record, READING_TEXT_CHARS);
+      break;
+    }
+  }
+}
+
+}  // namespace
+
+int RecordLength() {
+  return IsNavigation() && InstrumentModel == EM31MK2 ? 24 : RECORD_LENGTH_LONGEST;
+}
+
+void ResetDataFileRecords() {
+  DataFileNames.~DataFileNamesRecord();
+  new (&DataFileNames) DataFileNamesRecord();
+  ManualStation.~ManualStationRecord();
+  new (&ManualStation) ManualStationRecord();
+  CalibrationValues.~CalibrationValuesRecord();
+  new (&CalibrationValues) CalibrationValuesRecord();
+}
+
+void WriteFileHeader(int appendFlag) {
+  DataFileNames.NameContinues = strnlen(DataFileNames.BaseName, sizeof DataFileNames.BaseName) > (size_t)NAME_IN_H;
+  RecordGroup group;
+  BeginGroup(group);
+  AddSignatureRecord(group, appendFlag);
+  AddNameRecord(group);
+  AddGpsConfigurationRecord(group);
+  if (!IsNavigation()) AddFirstPositionRecords(group);
+  if (HasZeroLevels()) AddHeaderZeroLevelRecords(group);
+  if (InstrumentModel == EM38MK2) AddEm38Mk2CalibrationRecords(group);
+  if (InstrumentModel == EM61LX2) AddLx2FilterRecords(group);
+  SendGroup(group);
+}
+
+void WriteLineHeader() {
+  LocalTime now = LocalTimeNow();
+  RecordGroup group;
+  BeginGroup(group);
+  AddLineNameRecord(group);
+  AddBeginStationRecord(group);
+  AddAttributesRecord(group);
+  AddDateRecord(group, now);
+  if (HasZeroLevels())
+    for (double level : CalibrationValues.ZeroLevels) AddCalibrationRecord(group, 'O', level, 0, 0.0);
+  if (InstrumentModel == EM61LX2) AddLx2FilterRecords(group);
+  SendGroup(group);
+}
+
+void WriteTimeRecord() {
+  LocalTime now = LocalTimeNow();
+  RecordText record;
+  BeginRecord(record);
+  PutChar(record, '*');
+  PutClockTime(record, now);
+  PutTick(record, TickNow());
+  SendOne(record);
+}
+
+void WriteStationRecord() {
+  LocalTime now = LocalTimeNow();
+  RecordText record;
+  BeginRecord(record);
+  PutFormat(record, "S%11.2f  ", Session.CurrentStation);
+  PutClockTime(record, now);
+  SendOne(record);
+}
+
+void WriteMarkerRecord(const wchar_t* text, char tag) {
+  char narrow[MARKER_TEXT_CHARS + 1] = {};
+  if (text) NarrowText(text, narrow, sizeof narrow);
+  RecordText record;
+  BeginRecord(record);
+  PutChar(record, tag);
+  PutPadded(record, narrow, MARKER_TEXT_CHARS);
+  PutTick(record, TickNow());
+  SendOne(record);
+}
+
+void WriteGpsRecords(const char* text, uint32_t tick, char firstTag, char furtherTag, char endTag, char flag) {
+  if (tick < GpsLink.SessionStartTick) return;
+  if (!text) text = "";
+  int width = RecordLength() - 2;
+  int length = (int)strnlen(text, GPS_TEXT_LIMIT);
+  RecordGroup group;
+  BeginGroup(group);
+  RecordText record;
+  if (firstTag == 'X') {
+    BeginRecord(record);
+    PutChar(record, 'X');
+    PutPadded(record, text, width);
+    AddToGroup(group, record);
+    SendGroup(group);
+    return;
+  }
+  int start = 0;
+  do {
+    BeginRecord(record);
+    PutChar(record, start == 0 ? firstTag : furtherTag);
+    for (int i = start; i < start + width && i < length; ++i) PutChar(record, text[i]);
+    AddToGroup(group, record);
+    start += width;
+  } while (start < length);
+  BeginRecord(record);
+  PutChar(record, endTag);
+  PutFormat(record, "%06ld", (long)GpsLink.GpsSequenceNumber);
+  PutChar(record, flag ? flag : ' ');
+  PutTick(record, tick);
+  AddToGroup(group, record);
+  SendGroup(group);
+}
+
+void WriteSwathCorners(char tag, int set, double x1, double y1, double x2, double y2) {
+  RecordGroup group;
+  BeginGroup(group);
+  RecordText record;
+  if (set == 0) {
+    BeginRecord(record);
+    PutChar(record, tag);
+    PutFormat(record, "0%14.3f", 0.0);
+    AddToGroup(group, record);
+  } else if (set >= 1 && set <= 3) {
+    const double values[4] = {x1, y1, x2, y2};
+    for (int k = 0; k < 4; ++k) {
+      BeginRecord(record);
+      PutChar(record, tag);
+      PutChar(record, (char)(93 + 4 * set + k));
+      PutFormat(record, "%14.3f", values[k]);
+      AddToGroup(group, record);
+    }
+  }
+  SendGroup(group);
+}
+
+void WriteReadingRecordFrom(const unsigned char (&frame)[FRAME_BUFFER_BYTES], uint32_t tick) {
+  RecordText record;
+  BeginRecord(record);
+  PutReadingText(record, frame);
+  PutTick(record, tick);
+  SendOne(record);
+}
+
+void WriteReadingRecord() { WriteReadingRecordFrom(Link.FrameBuffer, ReadingTick()); }
+
+void WriteStackedReadingRecords() {
+  int count = ManualStation.ReadingCount;
+  if (count < 0) count = 0;
+  if (count > MANUAL_STATION_SLOTS) count = MANUAL_STATION_SLOTS;
+  RecordGroup group;
+  BeginGroup(group);
+  for (int i = 0; i < count; ++i) {
+    RecordText record;
+    BeginRecord(record);
+    PutBytes(record, ManualStation.Frames[i], STACKED_TEXT_CHARS);
+    PutTick(record, ManualStation.Ticks[i]);
+    AddToGroup(group, record);
+  }
+  SendGroup(group);
+}
+
+void WriteCalibrationRecords(int kind, int dual, const double values[8]) {
+  if (!values) return;
+  RecordGroup group;
+  BeginGroup(group);
+  if (kind == 0) {
+    for (int i = 0; i < 4; ++i) AddCalibrationRecord(group, 'O', values[i], dual == 1, values[4 + i]);
+  } else if (kind == 1) {
+    for (int i = 0; i < 2; ++i) AddCalibrationRecord(group, 'I', values[i], 1, values[4 + i]);
+  }
+  SendGroup(group);
+}
+
+void WriteEm38Mk2CalibrationRecords() {
+  RecordGroup group;
+  BeginGroup(group);
+  AddEm38Mk2CalibrationRecords(group);
+  SendGroup(group);
+}

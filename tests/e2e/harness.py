@@ -1,0 +1,390 @@
+"""End-to-end harness: the real programs under Wine on a virtual display.
+
+A `Sandbox` owns everything one test needs and stops all of it on close:
+  - its own Wine prefix, copied from the booted template (system files
+    hard-linked, registry and the rest copied), so tests never share state;
+  - its own Xvfb display at a chosen screen size;
+  - virtual serial ports: socat pty pairs, one end linked as comN in the
+    prefix's dosdevices, the other end given to the field simulator;
+  - programs started with `start()`, their windows found by title, keys
+    pressed and text typed with xdotool, screenshots taken with ImageMagick;
+  - the program's files read back from the prefix's drive_c.
+
+Environment (set by ctest): KELVO_BIN (folder of the fourteen programs),
+KELVO_E2E_WORK (work folder holding template/ and the per-test prefixes),
+KELVO_TOOLS (Windows helper tools such as list_windows.exe),
+KELVO_NATIVE_TOOLS (native build's tools folder, for the field simulator).
+Tests that cannot run here exit with SKIP_CODE (77), which ctest reports as
+skipped.
+
+Usage:
+    with Sandbox("startup", screen=(1280, 800)) as box:
+        program = box.start("Kelvo31")
+        window = box.wait_window("Kelvo31")
+        box.key(window, "x")
+        assert program.wait(20) == 0
+"""
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import time
+
+SKIP_CODE = 77
+HERE = os.path.dirname(os.path.abspath(__file__))
+SOURCE = os.path.dirname(os.path.dirname(HERE))
+
+VARIANTS = [  # name, settings folder, InstrumentModel, ProductMode
+    ("Kelvo601", "Kelvo601", -4, 0), ("Lum601", "Lum601", -4, 1),
+    ("Kelvo61LX2", "Kelvo61LX2", -2, 0), ("Lum61LX2", "Lum61LX2", -2, 1),
+    ("Kelvo61MK2", "Kelvo61MK2", -1, 0), ("Lum61MK2", "Lum61MK2", -1, 1),
+    ("Kelvo31", "Kelvo31MK2", 0, 0), ("Lum31", "Lum31MK2", 0, 1),
+    ("Kelvo38", "Kelvo38", 3, 0), ("Lum38", "Lum38", 3, 1),
+    ("Kelvo34-3", "Kelvo34-3", 4, 0), ("Lum34-3", "Lum34-3", 4, 1),
+    ("Kelvo38MK2", "Kelvo38MK2", 7, 0), ("Lum38MK2", "Lum38MK2", 7, 1),
+]
+PROGRAM_NAMES = [v[0] for v in VARIANTS]
+
+
+def log(*parts):
+    print(*parts, flush=True)
+
+
+def skip(why):
+    log("SKIP:", why)
+    sys.exit(SKIP_CODE)
+
+
+def require_tools():
+    for tool in ("wine", "wineserver", "Xvfb", "xdotool", "socat", "import"):
+        if shutil.which(tool) is None:
+            skip("missing tool: " + tool)
+
+
+def bin_dir():
+    return os.environ.get("KELVO_BIN", os.path.join(SOURCE, "build", "windows", "bin"))
+
+
+def work_dir():
+    return os.environ.get("KELVO_E2E_WORK", os.path.join(SOURCE, "build", "windows", "e2e"))
+
+
+def tools_dir():
+    return os.environ.get("KELVO_TOOLS", os.path.join(SOURCE, "build", "windows", "tools"))
+
+
+def native_tools_dir():
+    return os.environ.get("KELVO_NATIVE_TOOLS", os.path.join(SOURCE, "build", "native", "tools"))
+
+
+def artefact_dir():
+    path = os.path.join(work_dir(), "artefacts")
+    os.makedirs(path, exist_ok=True)
+    return path
+
+
+def template_prefix():
+    return os.path.join(work_dir(), "template")
+
+
+def copy_prefix(template, target):
+    """Hard-links the large, read-only system files and copies what Wine writes."""
+    if os.path.exists(target):
+        shutil.rmtree(target, ignore_errors=True)
+    subprocess.run(["cp", "-al", template, target], check=True)
+    written = ["system.reg", "user.reg", "userdef.reg",
+               os.path.join("drive_c", "windows", "win.ini"),
+               os.path.join("drive_c", "windows", "system.ini")]
+    for name in written:
+        path = os.path.join(target, name)
+        if os.path.isfile(path):
+            data = open(path, "rb").read()
+            os.unlink(path)
+            with open(path, "wb") as f:
+                f.write(data)
+
+
+class Program:
+    """One program started under Wine."""
+
+    def __init__(self, box, name, process):
+        self.box = box
+        self.name = name
+        self.process = process
+
+    def wait(self, timeout):
+        """Exit code, or None when it is still running after `timeout` seconds."""
+        try:
+            return self.process.wait(timeout=timeout)
+        except subprocess.TimeoutExpired:
+            return None
+
+    def running(self):
+        return self.process.poll() is None
+
+    def stop(self):
+        if self.process.poll() is None:
+            try:
+                os.killpg(self.process.pid, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+            try:
+                self.process.wait(timeout=10)
+            except subprocess.TimeoutExpired:
+                pass
+
+
+class Sandbox:
+    def __init__(self, name, screen=(1280, 800), keep_prefix=False):
+        require_tools()
+        if not os.path.isfile(os.path.join(template_prefix(), ".kelvo-ready")):
+            skip("no booted Wine prefix template at " + template_prefix())
+        self.name = name
+        self.screen = screen
+        self.keep_prefix = keep_prefix
+        self.prefix = os.path.join(work_dir(), "run", "%s-%d" % (name, os.getpid()))
+        os.makedirs(os.path.dirname(self.prefix), exist_ok=True)
+        copy_prefix(template_prefix(), self.prefix)
+        self.processes = []
+        self.programs = []
+        self.display = None
+        self.xvfb = None
+        self._start_display()
+
+    # ------------------------------------------------------------ set-up
+    def _start_display(self):
+        read_end, write_end = os.pipe()
+        w, h = self.screen
+        self.xvfb = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", "%dx%dx24" % (w, h),
+             "-nolisten", "tcp", "-noreset"],
+            pass_fds=(write_end,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+            start_new_session=True)
+        os.close(write_end)
+        number = b""
+        deadline = time.time() + 20
+        while not number.endswith(b"\n") and time.time() < deadline:
+            chunk = os.read(read_end, 16)
+            if not chunk:
+                break
+            number += chunk
+        os.close(read_end)
+        if not number.strip():
+            raise RuntimeError("Xvfb did not start")
+        self.display = ":" + number.decode().strip()
+
+    def env(self):
+        env = dict(os.environ)
+        env.update({"WINEPREFIX": self.prefix, "DISPLAY": self.display,
+                    "WINEDEBUG": env.get("KELVO_WINEDEBUG", "-all"),
+                    "WINEDLLOVERRIDES": "mscoree,mshtml="})
+        return env
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *exc):
+        self.close()
+        return False
+
+    # ------------------------------------------------------------ programs
+    def start(self, program, args=()):
+        exe = os.path.join(bin_dir(), program + ".exe")
+        if not os.path.isfile(exe):
+            raise RuntimeError("no program " + exe)
+        process = subprocess.Popen(["wine", exe] + list(args), env=self.env(),
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                                   start_new_session=True)
+        started = Program(self, program, process)
+        self.programs.append(started)
+        return started
+
+    def run_tool(self, tool, args=(), timeout=60):
+        """Runs a Windows console tool inside the prefix and returns its output."""
+        exe = os.path.join(tools_dir(), tool + ".exe")
+        result = subprocess.run(["wine", exe] + list(args), env=self.env(), capture_output=True,
+                                timeout=timeout, start_new_session=True)
+        return result.stdout.decode("utf-8", "replace")
+
+    def windows(self):
+        """Windows and child controls of the prefix's programs, as dicts."""
+        rows = []
+        for line in self.run_tool("list_windows").splitlines():
+            parts = line.split("\t")
+            if len(parts) < 8:
+                continue
+            l, t, r, b = (int(v) for v in parts[6].split(","))
+            rows.append({"depth": int(parts[0]), "handle": parts[1], "class": parts[2],
+                         "id": int(parts[3]), "visible": parts[4] == "1",
+                         "enabled": parts[5] == "1", "rect": (l, t, r, b),
+                         "text": "\t".join(parts[7:])})
+        return rows
+
+    def wait_window(self, title, timeout=60):
+        """X window id of the first window with exactly this title."""
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            found = self.xdotool(["search", "--name", "^%s$" % _regex_escape(title)], check=False)
+            ids = found.split()
+            if ids:
+                return ids[0]
+            time.sleep(0.3)
+        raise RuntimeError("no window titled %r within %ss" % (title, timeout))
+
+    def window_gone(self, title, timeout=20):
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            found = self.xdotool(["search", "--name", "^%s$" % _regex_escape(title)], check=False)
+            if not found.split():
+                return True
+            time.sleep(0.3)
+        return False
+
+    def geometry(self, window):
+        """(x, y, width, height) of an X window."""
+        out = self.xdotool(["getwindowgeometry", "--shell", window])
+        values = dict(line.split("=", 1) for line in out.split() if "=" in line)
+        return int(values["X"]), int(values["Y"]), int(values["WIDTH"]), int(values["HEIGHT"])
+
+    def xdotool(self, args, check=True):
+        result = subprocess.run(["xdotool"] + args, env=self.env(), capture_output=True, timeout=30)
+        if check and result.returncode != 0:
+            raise RuntimeError("xdotool %s failed: %s" % (args, result.stderr.decode()))
+        return result.stdout.decode()
+
+    def key(self, window, *keys):
+        """Focuses the window and presses keys (xdotool key names: x, Return, Tab, F2 …)."""
+        self.xdotool(["windowfocus", "--sync", window], check=False)
+        for k in keys:
+            self.xdotool(["key", k])
+            time.sleep(0.15)
+
+    def type(self, window, text):
+        self.xdotool(["windowfocus", "--sync", window], check=False)
+        self.xdotool(["type", "--delay", "60", text])
+
+    def click(self, x, y):
+        self.xdotool(["mousemove", "--sync", str(x), str(y)])
+        self.xdotool(["click", "1"])
+
+    def click_control(self, text=None, control_id=None, timeout=20):
+        """Clicks the middle of a visible child control found by text or id."""
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            for row in self.windows():
+                if row["depth"] == 0 or not row["visible"]:
+                    continue
+                if (text is not None and row["text"] == text) or \
+                        (control_id is not None and row["id"] == control_id):
+                    l, t, r, b = row["rect"]
+                    self.click((l + r) // 2, (t + b) // 2)
+                    return row
+            time.sleep(0.5)
+        raise RuntimeError("no control %r / %r" % (text, control_id))
+
+    def screenshot(self, name):
+        path = os.path.join(artefact_dir(), name if name.endswith(".png") else name + ".png")
+        subprocess.run(["import", "-display", self.display, "-window", "root", path],
+                       check=True, timeout=60, capture_output=True)
+        return path
+
+    # ------------------------------------------------------------ files
+    def c_path(self, windows_path):
+        """Host path of a C: path such as C:\\ProgramData\\Ostrel\\Temp."""
+        relative = windows_path.replace("\\", "/")
+        if relative[1:3] == ":/":
+            relative = relative[3:]
+        return os.path.join(self.prefix, "drive_c", relative)
+
+    def read_c(self, windows_path):
+        with open(self.c_path(windows_path), "rb") as f:
+            return f.read()
+
+    # ------------------------------------------------------------ serial ports
+    def serial_pair(self, com_number):
+        """Links COM<com_number> of the prefix to a fresh pty pair; returns the
+        host path of the other end, for the field simulator."""
+        folder = os.path.join(self.prefix, "serial")
+        os.makedirs(folder, exist_ok=True)
+        program_end = os.path.join(folder, "com%d-program" % com_number)
+        peer_end = os.path.join(folder, "com%d-peer" % com_number)
+        process = subprocess.Popen(
+            ["socat", "pty,raw,echo=0,link=" + program_end, "pty,raw,echo=0,link=" + peer_end],
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
+        self.processes.append(process)
+        deadline = time.time() + 10
+        while not (os.path.islink(program_end) and os.path.islink(peer_end)):
+            if time.time() > deadline:
+                raise RuntimeError("socat gave no pty pair")
+            time.sleep(0.05)
+        link = os.path.join(self.prefix, "dosdevices", "com%d" % com_number)
+        if os.path.lexists(link):
+            os.unlink(link)
+        os.symlink(os.path.realpath(program_end), link)
+        return os.path.realpath(peer_end)
+
+    def remove_port(self, com_number):
+        link = os.path.join(self.prefix, "dosdevices", "com%d" % com_number)
+        if os.path.lexists(link):
+            os.unlink(link)
+
+    def spawn(self, argv, stdin=None, **kwargs):
+        """Starts a native helper (such as the field simulator) owned by the sandbox."""
+        process = subprocess.Popen(argv, stdin=stdin, start_new_session=True, **kwargs)
+        self.processes.append(process)
+        return process
+
+    # ------------------------------------------------------------ tear-down
+    def close(self):
+        for program in self.programs:
+            program.stop()
+        subprocess.run(["wineserver", "-k"], env=self.env(), capture_output=True, timeout=30)
+        for process in self.processes:
+            if process.poll() is None:
+                try:
+                    os.killpg(process.pid, signal.SIGKILL)
+                except ProcessLookupError:
+                    pass
+                process.wait(timeout=10)
+        if self.xvfb and self.xvfb.poll() is None:
+            os.killpg(self.xvfb.pid, signal.SIGKILL)
+            self.xvfb.wait(timeout=10)
+        if not self.keep_prefix:
+            shutil.rmtree(self.prefix, ignore_errors=True)
+
+
+def _regex_escape(text):
+    out = ""
+    for c in text:
+        out += "\\" + c if c in ".^$*+?()[]{}|\\" else c
+    return out
+
+
+class Checks:
+    """Collects failures so that one run reports all of them; ends with the
+    closing line that ctest and CI read."""
+
+    def __init__(self):
+        self.passed = 0
+        self.failed = 0
+
+    def check(self, condition, what):
+        if condition:
+            self.passed += 1
+            log("ok  ", what)
+        else:
+            self.failed += 1
+            log("FAIL", what)
+        return condition
+
+    def equal(self, actual, expected, what):
+        ok = actual == expected
+        if not ok:
+            log("     actual:  ", repr(actual))
+            log("     expected:", repr(expected))
+        return self.check(ok, what)
+
+    def finish(self):
+        log("%d passed, %d failed" % (self.passed, self.failed))
+        sys.exit(0 if self.failed == 0 else 1)

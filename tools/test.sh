@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Runs every test: the native unit tests (with sanitizers), the same unit tests
+# built for Windows and run under Wine, and the end-to-end tests of the real
+# programs under Wine on a virtual display.
+set -eu
+cd "$(dirname "$0")/.."
+bash tools/setup_packages.sh
+
+cmake --preset native >/dev/null
+cmake --build --preset native -j2
+cmake --preset windows >/dev/null
+cmake --build --preset windows -j2
+
+ctest --preset native -j2
+ctest --preset windows -j2
