@@ -229,7 +229,7 @@ class Sandbox:
             ids = found.split()
             if ids:
                 return ids[0]
-            time.sleep(0.3)
+            time.sleep(0.05)
         raise RuntimeError("no window titled %r within %ss" % (title, timeout))
 
     def window_gone(self, title, timeout=20):

@@ -1,0 +1,98 @@
+#include "instruments/link_supervision.h"
+
+#include "core/state.h"
+#include "core/text.h"
+#include "core/variant.h"
+
+LinkSupervisionRecord LinkSupervision;
+
+namespace {
+
+bool IsLogging() { return Session.SessionState == SESSION_LOGGING; }
+
+// Late when more than `LinkTimeoutMs` passed since the last activity. The
+// difference is taken signed so that a stamp a reader wrote just after the
+// timer read the clock does not count as a long silence.
+bool IsLate(uint32_t now) {
+  const int32_t elapsed = (int32_t)(now - Link.LastByteTick);
+  return elapsed > Link.LinkTimeoutMs;
+}
+
+void RecordBreak(SupervisionDecision& d) {
+  if (IsLogging()) d.RecordBreak = 1;
+}
+
+void Alarm(SupervisionDecision& d) {
+  if (Settings.AudioDisconnectAlarm != 0) d.Alarm = 1;
+}
+
+// Late: the remark, the panel at every tick, the ring.
+void LateEachTick(SupervisionDecision& d) {
+  RecordBreak(d);
+  d.Panel = PANEL_OUTER_INSTRUMENT;
+  Alarm(d);
+}
+
+void PanelOnce(SupervisionDecision& d) {
+  if (Link.LinkLostShown == 0) {
+    d.Panel = PANEL_OUTER_INSTRUMENT;
+    d.SetLinkLostShown = 1;
+  }
+}
+
+void DecideGrad601(SupervisionDecision& d, uint32_t now) {
+  if (!IsLate(now)) return;
+  RecordBreak(d);
+  PanelOnce(d);
+  Alarm(d);
+}
+
+// The EM61 family reconnects by handshake in its reader; the remark follows
+// the reader's flag from the tick after the time-out on.
+void DecideEm61(SupervisionDecision& d, uint32_t now, bool numbersPanelEachTick) {
+  if (Session.SurveyModeActive != 0 || LinkSupervision.CalibrationBoxOpen != 0) return;
+  if (IsLogging() && Link.LinkBrokenLogged == 1) d.RecordBreak = 1;
+  if (!IsLate(now)) return;
+  d.SetLinkBrokenLogged = 1;
+  if (numbersPanelEachTick) d.Panel = PANEL_NUMBERS;
+  else PanelOnce(d);
+  Alarm(d);
+}
+
+void DecideEm61Mk2(SupervisionDecision& d, uint32_t now) {
+  if (Session.SurveyModeActive != 0) return;
+  if (Link.Em61FastLink == 1 && Link.PollAnswered == 1) {
+    d.SendPoll = 1;
+    return;
+  }
+  DecideEm61(d, now, true);
+}
+
+void DecideEm343(SupervisionDecision& d, uint32_t now) {
+  if (!IsLate(now)) return;
+  if (Session.SurveyModeCurrent != SURVEY_MANUAL) {
+    LateEachTick(d);
+    return;
+  }
+  if (LinkSupervision.StationConfirmOpen == 0) d.BatterySave = 1;
+}
+
+}  // namespace
+
+SupervisionDecision DecideSessionTick(uint32_t now) {
+  SupervisionDecision d;
+  switch (InstrumentModel) {
+    case Grad601: DecideGrad601(d, now); break;
+    case EM61LX2: DecideEm61(d, now, false); break;
+    case EM61MK2: DecideEm61Mk2(d, now); break;
+    case EM31MK2:
+    case EM38MK2:
+      if (IsLate(now)) LateEachTick(d);
+      break;
+    case EM343: DecideEm343(d, now); break;
+    default: break;   // the EM38 is not supervised
+  }
+  return d;
+}
+
+void LinkBreakText(char* text, int capacity) { FormatNarrow(text, capacity, "%1dCONN BRK %1d", 1, 1); }

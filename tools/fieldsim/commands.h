@@ -1,0 +1,42 @@
+// Control commands, one a line, from standard input or a timed script:
+//   quiet gps|instrument N      no output for N seconds (0 ends a silence)
+//   garbage gps|instrument N    N random bytes
+//   overlong gps N [lf]         a line of N characters without LF (with "lf": then CR LF)
+//   dollar-mid                  a '$' in the middle of a line
+//   bad-checksum                next position sentence with a wrong checksum
+//   lower-checksum              next sentence whose checksum has a hex letter, in lower case
+//   close gps|instrument        close the port for good
+//   marker                      press the instrument's button for one frame
+//   quit
+// A script line is "at SECONDS COMMAND"; blank lines and '#' lines are skipped.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace fieldsim {
+
+enum class Target { Gps, Instrument };
+
+enum class CommandKind { Quiet, Garbage, Overlong, DollarMid, BadChecksum, LowerChecksum, Close, Marker, Quit };
+
+struct Command {
+  CommandKind Kind = CommandKind::Quit;
+  Target Stream = Target::Gps;
+  double Amount = 0.0;        // seconds for quiet, bytes for garbage and overlong
+  bool WithLineEnd = false;   // overlong ... lf
+};
+
+struct TimedCommand {
+  double At = 0.0;  // seconds from the start
+  Command What;
+  std::string Text;
+};
+
+// Parses one command line; false with a message when it is not understood.
+bool ParseCommand(const std::string& line, Command& command, std::string& error);
+
+// Reads a script; false with a message naming the first bad line.
+bool ReadScript(const std::string& path, std::vector<TimedCommand>& script, std::string& error);
+
+}  // namespace fieldsim
