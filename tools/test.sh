@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs every test: the native unit tests (with sanitizers), the same unit tests
 # built for Windows and run under Wine, and the end-to-end tests of the real
-# programs under Wine on a virtual display.
+# programs under Wine on a virtual display; and a short run of every fuzzer.
 set -eu
 cd "$(dirname "$0")/.."
 bash tools/setup_packages.sh
@@ -11,5 +11,9 @@ cmake --build --preset native -j2
 cmake --preset windows >/dev/null
 cmake --build --preset windows -j2
 
+cmake --preset fuzz >/dev/null
+cmake --build --preset fuzz -j2
+
 ctest --preset native -j2
+ctest --preset fuzz -j2
 ctest --preset windows -j2
