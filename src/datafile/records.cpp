@@ -303,6 +303,7 @@ void AddCalibrationRecord(RecordGroup& group, char tag, double value, int withSe
   PutFormat(record, "%9.2f ", value);
   if (withSecond) PutFormat(record, "%9.2f    ", second);
   else PutBlanks(record, 13);
+  PadTo(record, record.Length - 1);
   SetColumn(record, record.Length - 3, ' ');
   SetColumn(record, record.Length - 2, '1');
   AddToGroup(group, record);

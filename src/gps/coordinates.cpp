@@ -30,10 +30,10 @@ namespace {
 constexpr double FALSE_NORTHING_SOUTH = 10000000.0;
 
 int ZoneOfLongitude(double longitude) {
-  const int zone = TruncToInt(std::floor(longitude / 6.0)) + 31;
-  if (zone < 1) return 1;
-  if (zone > 60) return 60;
-  return zone;
+  const double zone = std::floor(longitude / 6.0) + 31.0;
+  if (!(zone >= 1.0)) return 1;
+  if (zone > 60.0) return 60;
+  return TruncToInt(zone);
 }
 
 }  // namespace

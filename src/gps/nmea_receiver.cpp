@@ -1,6 +1,7 @@
 #include "gps/nmea_receiver.h"
 
 #include <cstring>
+#include <new>
 
 #include "core/state.h"
 #include "gps/gps_sentence.h"
@@ -194,6 +195,13 @@ uint32_t ReadHexNumber(const char* text) {
   if (found == 0) return 0;
   if (overflow) return 0xFFFFFFFFu;
   return negative ? (uint32_t)(0u - (uint32_t)value) : (uint32_t)value;
+}
+
+void ResetGpsReceiver() {
+  // Volatile members forbid plain assignment; rebuild in place instead.
+  GpsReceiver.~GpsReceiverRecord();
+  new (&GpsReceiver) GpsReceiverRecord();
+  GpsActions = GpsReceiverActions();
 }
 
 void StartGpsReceiver(uint32_t now) {

@@ -60,6 +60,9 @@ struct GpsReceiverRecord {
 extern GpsReceiverRecord GpsReceiver;
 extern GpsReceiverActions GpsActions;
 
+// Puts the receiver and its outputs back to their starting values.
+void ResetGpsReceiver();
+
 // Fresh receiver at the start of the reader thread: empty line, the time-out
 // counted from `now`. The Manual holds and their flags are kept.
 void StartGpsReceiver(uint32_t now);

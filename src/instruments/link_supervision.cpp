@@ -1,5 +1,7 @@
 #include "instruments/link_supervision.h"
 
+#include <new>
+
 #include "core/state.h"
 #include "core/text.h"
 #include "core/variant.h"
@@ -78,6 +80,11 @@ void DecideEm343(SupervisionDecision& d, uint32_t now) {
 }
 
 }  // namespace
+
+void ResetLinkSupervision() {
+  LinkSupervision.~LinkSupervisionRecord();
+  new (&LinkSupervision) LinkSupervisionRecord();
+}
 
 SupervisionDecision DecideSessionTick(uint32_t now) {
   SupervisionDecision d;

@@ -14,13 +14,19 @@ constexpr int PANEL_NONE = 0;
 constexpr int PANEL_OUTER_INSTRUMENT = 1;
 constexpr int PANEL_NUMBERS = 2;
 
-// Flags other screens raise for the supervision while their boxes are open.
+// Flags other screens raise for the supervision while their boxes are open,
+// and what the map and the profile do when the link breaks or comes back.
 struct LinkSupervisionRecord {
   volatile int CalibrationBoxOpen = 0;   // EM61-LX2 filter calibration message box
   volatile int StationConfirmOpen = 0;   // EM34-3 Manual station confirmation
+  void (*EndSwath)() = nullptr;          // the colour swath is not joined over a break
+  void (*ClearStripFlags)() = nullptr;   // no channel of the profile has a previous point
 };
 
 extern LinkSupervisionRecord LinkSupervision;
+
+// Puts the record back to its starting values.
+void ResetLinkSupervision();
 
 // One tick's decision.
 struct SupervisionDecision {

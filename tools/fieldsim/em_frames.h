@@ -36,9 +36,14 @@ uint8_t StatusByte(const InstrumentSetup& setup, bool marker);
 double FirstValueFactor(const InstrumentSetup& setup);
 constexpr double kEm31InphaseFactor = -0.0025;
 
+// The second value: the inphase on the EM31-MK2 and EM34-3 (which the logger
+// doesn't use on the EM34-3), the other component on the 12-byte EM38 frame.
+double SecondValueFactor(const InstrumentSetup& setup);
+
 // One whole frame, CR included. `first` and `second` are physical values
-// (mS/m or ppt); they are turned into counts by the factors and limited to
-// +-9999. The 7-byte EM38 frame carries only the first.
+// (mS/m or ppt): `first` is the conductivity, or the inphase of an EM38
+// inphase frame, `second` the other; both are turned into counts by the
+// factors and limited to +-9999. The 7-byte EM38 frame carries only the first.
 std::string BuildFrame(const InstrumentSetup& setup, double first, double second, bool marker);
 
 // "+0123" / "-0045".
