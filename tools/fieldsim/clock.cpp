@@ -22,8 +22,8 @@ double UtcSecondsOfDayNow() {
   return static_cast<double>(now.tv_sec % 86400) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-void UtcDateToday(int& day, int& month, int& year) {
-  const time_t now = time(nullptr);
+void UtcDateAfter(int days, int& day, int& month, int& year) {
+  const time_t now = time(nullptr) + static_cast<time_t>(days) * 86400;
   tm utc{};
   gmtime_r(&now, &utc);
   day = utc.tm_mday;

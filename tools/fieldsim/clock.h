@@ -11,8 +11,10 @@ double MonotonicSeconds();
 // Milliseconds since the epoch on the wall clock: the time column of the log.
 int64_t WallClockMs();
 
-// UTC time of day in seconds and today's UTC date, from the wall clock.
+// UTC time of day in seconds, from the wall clock.
 double UtcSecondsOfDayNow();
-void UtcDateToday(int& day, int& month, int& year);
+
+// The UTC date `days` days after today.
+void UtcDateAfter(int days, int& day, int& month, int& year);
 
 }  // namespace fieldsim

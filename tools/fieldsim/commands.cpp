@@ -7,6 +7,8 @@
 namespace fieldsim {
 namespace {
 
+constexpr double kMaxBytes = 65536;
+
 bool ParseTarget(const std::string& word, Target& target) {
   if (word == "gps") {
     target = Target::Gps;
@@ -16,6 +18,11 @@ bool ParseTarget(const std::string& word, Target& target) {
     return false;
   }
   return true;
+}
+
+bool AtEnd(std::istringstream& words) {
+  std::string extra;
+  return !(words >> extra);
 }
 
 bool ParseAmount(std::istringstream& words, double& amount) {
@@ -37,40 +44,63 @@ bool ParseWithTarget(std::istringstream& words, const std::string& name, Command
   return true;
 }
 
+// The words after the command's name; false when they don't fit it.
+bool ParseArguments(std::istringstream& words, const std::string& name, Command& command, std::string& error) {
+  switch (command.Kind) {
+    case CommandKind::Quiet:
+    case CommandKind::Close:
+      return ParseWithTarget(words, name, command, error);
+    case CommandKind::Garbage:
+      if (!ParseWithTarget(words, name, command, error)) return false;
+      if (command.Amount > kMaxBytes) error = "at most 65536 bytes of garbage";
+      return error.empty();
+    case CommandKind::Overlong: {
+      if (!ParseWithTarget(words, name, command, error)) return false;
+      if (command.Stream != Target::Gps || command.Amount > kMaxBytes) {
+        error = "overlong is for gps only, at most 65536 characters";
+        return false;
+      }
+      std::string tail;
+      if (words >> tail) {
+        if (tail != "lf") return false;
+        command.WithLineEnd = true;
+      }
+      return true;
+    }
+    default:
+      return true;
+  }
+}
+
 }  // namespace
 
 bool ParseCommand(const std::string& line, Command& command, std::string& error) {
+  static const std::pair<const char*, CommandKind> kNames[] = {
+      {"quiet", CommandKind::Quiet},           {"garbage", CommandKind::Garbage},
+      {"overlong", CommandKind::Overlong},     {"close", CommandKind::Close},
+      {"dollar-mid", CommandKind::DollarMid},  {"bad-checksum", CommandKind::BadChecksum},
+      {"lower-checksum", CommandKind::LowerChecksum}, {"marker", CommandKind::Marker},
+      {"quit", CommandKind::Quit}};
   std::istringstream words(line);
   std::string name;
   words >> name;
   command = Command{};
-  if (name == "quiet" || name == "garbage" || name == "close") {
-    command.Kind = name == "quiet" ? CommandKind::Quiet : name == "garbage" ? CommandKind::Garbage : CommandKind::Close;
-    return ParseWithTarget(words, name, command, error);
+  const auto* found = std::find_if(std::begin(kNames), std::end(kNames),
+                                   [&](const auto& entry) { return name == entry.first; });
+  if (found == std::end(kNames)) {
+    error = "unknown command \"" + line + "\"";
+    return false;
   }
-  if (name == "overlong") {
-    command.Kind = CommandKind::Overlong;
-    if (!ParseWithTarget(words, name, command, error)) return false;
-    if (command.Stream != Target::Gps) {
-      error = "overlong is for gps only";
-      return false;
-    }
-    std::string tail;
-    words >> tail;
-    command.WithLineEnd = tail == "lf";
-    return true;
+  command.Kind = found->second;
+  if (!ParseArguments(words, name, command, error)) {
+    if (error.empty()) error = "bad arguments in \"" + line + "\"";
+    return false;
   }
-  const std::pair<const char*, CommandKind> simple[] = {
-      {"dollar-mid", CommandKind::DollarMid}, {"bad-checksum", CommandKind::BadChecksum},
-      {"lower-checksum", CommandKind::LowerChecksum}, {"marker", CommandKind::Marker}, {"quit", CommandKind::Quit}};
-  for (const auto& [word, kind] : simple) {
-    if (name == word) {
-      command.Kind = kind;
-      return true;
-    }
+  if (!AtEnd(words)) {
+    error = "too many words in \"" + line + "\"";
+    return false;
   }
-  error = "unknown command \"" + line + "\"";
-  return false;
+  return true;
 }
 
 bool ReadScript(const std::string& path, std::vector<TimedCommand>& script, std::string& error) {
@@ -93,6 +123,7 @@ bool ReadScript(const std::string& path, std::vector<TimedCommand>& script, std:
     }
     std::string rest;
     std::getline(words, rest);
+    rest.erase(0, rest.find_first_not_of(" \t"));
     if (!ParseCommand(rest, entry.What, error)) {
       error = path + ":" + std::to_string(number) + ": " + error;
       return false;

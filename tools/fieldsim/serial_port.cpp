@@ -15,7 +15,6 @@ namespace fieldsim {
 namespace {
 
 constexpr double kRetrySeconds = 0.5;
-constexpr size_t kQueueLimit = 64 * 1024;
 constexpr double kPaceSlice = 0.005;  // pacing writes a few milliseconds' worth at a time
 
 speed_t SpeedCode(int baud) {
@@ -102,9 +101,16 @@ void SerialPort::CloseForGood() {
 
 bool SerialPort::Send(const std::string& bytes) {
   if (fd_ < 0 || bytes.empty()) return false;
-  if (queuedBytes_ + bytes.size() > kQueueLimit) {
-    if (verbose_) fprintf(stdout, "%s: line busy, message dropped\n", stream_.c_str());
+  // A device doesn't store what its line can't take: about a second of line
+  // time is held, and beyond that whole messages are lost.
+  const size_t limit = std::max<size_t>(1024, static_cast<size_t>(baud_ / 10));
+  if (queuedBytes_ + bytes.size() > limit) {
+    ++dropped_;
     return false;
+  }
+  if (dropped_ > 0) {
+    Note("line busy: " + std::to_string(dropped_) + " messages dropped");
+    dropped_ = 0;
   }
   queue_.push_back({bytes, 0});
   queuedBytes_ += bytes.size();

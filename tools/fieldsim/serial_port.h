@@ -63,6 +63,7 @@ class SerialPort {
   double lineFreeAt_ = 0.0;  // when pacing: the moment the emulated line is idle
   std::deque<Pending> queue_;
   size_t queuedBytes_ = 0;
+  long dropped_ = 0;  // messages lost to a full line since the last note
 };
 
 // Whether the speed is one a tty can be set to.

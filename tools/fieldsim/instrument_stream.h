@@ -1,0 +1,46 @@
+// The instrument: one frame every frame period of its model, reading the
+// synthetic ground under the operator, with the marker button and the faults
+// that the control commands ask for.
+#pragma once
+
+#include <random>
+
+#include "commands.h"
+#include "em_frames.h"
+#include "ground.h"
+#include "options.h"
+#include "serial_port.h"
+#include "walk.h"
+
+namespace fieldsim {
+
+class InstrumentStream {
+ public:
+  InstrumentStream(const Options& options, const Walk& walk, Ground& ground, SerialPort& port,
+                   std::mt19937& random, double startMono);
+
+  void Tick(double now);
+  double NextDeadline() const;
+  // quiet, garbage, marker.
+  void Apply(const Command& command, double now);
+
+ private:
+  double FrameTime(long frame) const { return startMono_ + static_cast<double>(frame) * periodSeconds_; }
+  bool MarkerDue(long frame);
+  void SendFrame(long frame);
+  // How deep the instrument looks, relative to the EM31-MK2.
+  double DepthScale() const;
+
+  const Options& options_;
+  const Walk& walk_;
+  Ground& ground_;
+  SerialPort& port_;
+  std::mt19937& random_;
+  double startMono_;
+  double periodSeconds_;
+  long nextFrame_ = 0;
+  double quietUntil_ = 0.0;
+  bool markerPending_ = false;
+};
+
+}  // namespace fieldsim
