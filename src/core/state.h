@@ -326,7 +326,7 @@ constexpr int SimulateGrad601 = 0;
 constexpr int SimulateGps = 0;
 constexpr int Em38AltReader = 0;
 constexpr bool AnySimulatorSwitch() {
-  return SimulateLink || SimulateEm61Mk2 || SimulateGrad601 || SimulateGps;
+  return SimulateLink + SimulateEm61Mk2 + SimulateGrad601 + SimulateGps != 0;
 }
 
 // Puts every record back to its starting value (the start of a program).

@@ -46,6 +46,13 @@ std::string Printable(const std::string& bytes) {
   return out;
 }
 
+std::string Quoted(const std::string& bytes) {
+  std::string out(1, '"');
+  out += Printable(bytes);
+  out += '"';
+  return out;
+}
+
 std::string SourcePath(const char* relative) {
 #ifdef KELVO_SOURCE_DIR
   std::string root = KELVO_SOURCE_DIR;

@@ -14,12 +14,13 @@ int RegisterTest(const char* name, TestFunction function);
 void Fail(const char* file, int line, const std::string& what);
 void Skip(const std::string& why);
 std::string Printable(const std::string& bytes);
+std::string Quoted(const std::string& bytes);
 std::string SourcePath(const char* relative);
 bool ReadWholeFile(const std::string& path, std::string& out);
 
 template <typename T> std::string Show(const T& value) {
-  if constexpr (std::is_same_v<T, std::string>) return "\"" + Printable(value) + "\"";
-  else if constexpr (std::is_convertible_v<T, const char*>) return "\"" + Printable(value ? std::string(value) : std::string("(null)")) + "\"";
+  if constexpr (std::is_same_v<T, std::string>) return Quoted(value);
+  else if constexpr (std::is_convertible_v<T, const char*>) return Quoted(value ? std::string(value) : std::string("(null)"));
   else if constexpr (std::is_floating_point_v<T>) { char b[64]; snprintf(b, sizeof b, "%.17g", (double)value); return b; }
   else if constexpr (std::is_enum_v<T>) return std::to_string((long long)value);
   else if constexpr (std::is_pointer_v<T>) { char b[32]; snprintf(b, sizeof b, "%p", (const void*)value); return b; }
