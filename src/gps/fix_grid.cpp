@@ -25,7 +25,9 @@ void ProjectFixToSessionGrid(GpsFix& fix, GpsScreenTexts& texts) {
   int zone = Position.UtmZone;
   double northing = 0.0, easting = 0.0;
   LatLonToUtm(fix.Latitude, fix.Longitude, &zone, &northing, &easting, firstFix ? 0 : 1);
-  if (!std::isfinite(northing) || !std::isfinite(easting)) {
+  const double gridNorthing = MetresToMapUnits(northing);
+  const double gridEasting = MetresToMapUnits(easting);
+  if (!std::isfinite(gridNorthing) || !std::isfinite(gridEasting)) {
     fix.Valid = false;
     SetFieldText(texts.FirstCoordinate, NO_POSITION_TEXT, 0);
     SetFieldText(texts.SecondCoordinate, NO_POSITION_TEXT, 0);
@@ -38,6 +40,6 @@ void ProjectFixToSessionGrid(GpsFix& fix, GpsScreenTexts& texts) {
     Position.FirstLongitude = fix.Longitude;
   }
   if (Settings.CoordinateDisplayUnits != 0) ShowUtmTexts(northing, easting, zone, texts);
-  fix.Northing = MetresToMapUnits(northing);
-  fix.Easting = MetresToMapUnits(easting);
+  fix.Northing = gridNorthing;
+  fix.Easting = gridEasting;
 }

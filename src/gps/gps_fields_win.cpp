@@ -17,3 +17,15 @@ void DrawGpsFieldText(HDC dc, const RECT& area, const char* text, int onRed) {
 void DrawGpsField(HDC dc, const RECT& area, const GpsFieldText& field) {
   if (field.Drawn) DrawGpsFieldText(dc, area, field.Text, field.OnRed);
 }
+
+void DrawGpsScreenTexts(HDC dc, const GpsFieldRects& rects, const GpsScreenTexts& texts) {
+  DrawGpsField(dc, rects.Satellites, texts.Satellites);
+  DrawGpsField(dc, rects.Quality, texts.Quality);
+  DrawGpsField(dc, rects.Dilution, texts.Dilution);
+  DrawGpsField(dc, rects.FirstCoordinate, texts.FirstCoordinate);
+  DrawGpsField(dc, rects.SecondCoordinate, texts.SecondCoordinate);
+  DrawGpsField(dc, rects.Zone, texts.Zone);
+  DrawGpsField(dc, rects.Roll, texts.Roll);
+  DrawGpsField(dc, rects.Pitch, texts.Pitch);
+  DrawGpsField(dc, rects.Yaw, texts.Yaw);
+}
