@@ -1,0 +1,272 @@
+// GDI side of the map: DIB-section pages, one memory device context to draw
+// into them, and the blits to MapWnd.
+#include <cstdint>
+#include <vector>
+
+#include "core/platform_win.h"
+#include "core/state.h"
+#include "map/map_canvas.h"
+#include "map/map_canvas_win.h"
+#include "map/map_surface.h"
+
+namespace {
+
+struct GdiPage {
+  HBITMAP Bitmap;
+  void* Bits;
+  int Side;
+};
+
+struct GdiMapRecord {
+  std::vector<GdiPage> Pages;        // page n is Pages[n - 1]
+  std::vector<uint32_t> FreePages;
+  HDC CanvasDc = nullptr;
+  HGDIOBJ CanvasFirstBitmap = nullptr;
+  uint32_t Selected = 0;
+  HWND Window = nullptr;
+  HDC WindowDcOverride = nullptr;
+  int LivePages = 0;
+  long long PageBytes = 0;
+};
+
+GdiMapRecord GdiMap;
+
+long long RowBytes(int side) { return ((long long)side * 3 + 3) / 4 * 4; }
+
+HDC CanvasDc() {
+  if (GdiMap.CanvasDc == nullptr) {
+    GdiMap.CanvasDc = CreateCompatibleDC(nullptr);
+    GdiMap.CanvasFirstBitmap = GetCurrentObject(GdiMap.CanvasDc, OBJ_BITMAP);
+  }
+  return GdiMap.CanvasDc;
+}
+
+GdiPage* PageOf(uint32_t page) {
+  if (page == 0 || page > GdiMap.Pages.size()) return nullptr;
+  GdiPage* found = &GdiMap.Pages[page - 1];
+  return found->Bitmap ? found : nullptr;
+}
+
+HPEN PenOf(int pen) {
+  switch (pen) {
+    case MAP_PEN_GRID: return Tools.PenGrey1;
+    case MAP_PEN_CURSOR: return Tools.PenCursor;
+    case MAP_PEN_POSITION1: return Tools.PenPosition1;
+    case MAP_PEN_POSITION2: return Tools.PenPosition2;
+    case MAP_PEN_GREY: return Tools.PenMidGrey;
+    default: break;
+  }
+  const int colourClass = pen - MAP_PEN_COLOUR_CLASS;
+  if (colourClass >= 0 && colourClass < 256) return Tools.PenColourClass[colourClass];
+  return nullptr;
+}
+
+HBRUSH BrushOf(int brush) {
+  switch (brush) {
+    case MAP_BRUSH_POSITION: return Tools.BrushPosition;
+    case MAP_BRUSH_GREY: return Tools.BrushMidGrey;
+    case MAP_BRUSH_WHITE: return Tools.BrushWhite;
+    default: return nullptr;
+  }
+}
+
+HDC AcquireWindowDc() {
+  if (GdiMap.WindowDcOverride) return GdiMap.WindowDcOverride;
+  return GdiMap.Window ? GetDC(GdiMap.Window) : nullptr;
+}
+
+void ReleaseWindowDc(HDC dc) {
+  if (dc != nullptr && dc != GdiMap.WindowDcOverride) ReleaseDC(GdiMap.Window, dc);
+}
+
+void DrawLine(HDC dc, int pen, int x1, int y1, int x2, int y2) {
+  HPEN tool = PenOf(pen);
+  if (tool == nullptr) return;
+  HGDIOBJ old = SelectObject(dc, tool);
+  POINT points[2] = {{x1, y1}, {x2, y2}};
+  Polyline(dc, points, 2);
+  SelectObject(dc, old);
+}
+
+void DrawEllipse(HDC dc, int pen, int brush, int left, int top, int right, int bottom) {
+  HPEN penTool = PenOf(pen);
+  HBRUSH brushTool = BrushOf(brush);
+  HGDIOBJ oldPen = SelectObject(dc, penTool ? (HGDIOBJ)penTool : GetStockObject(NULL_PEN));
+  HGDIOBJ oldBrush = SelectObject(dc, brushTool ? (HGDIOBJ)brushTool : GetStockObject(NULL_BRUSH));
+  Ellipse(dc, left, top, right, bottom);
+  SelectObject(dc, oldBrush);
+  SelectObject(dc, oldPen);
+}
+
+uint32_t GdiCreatePage(int side) {
+  if (side < 1) side = 1;
+  BITMAPINFO info = {};
+  info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
+  info.bmiHeader.biWidth = side;
+  info.bmiHeader.biHeight = -side;     // rows top-down, as local y runs
+  info.bmiHeader.biPlanes = 1;
+  info.bmiHeader.biBitCount = 24;
+  info.bmiHeader.biCompression = BI_RGB;
+  void* bits = nullptr;
+  HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  if (bitmap == nullptr) return 0;   // no page: nothing will be drawn there
+  GdiPage page = {bitmap, bits, side};
+  uint32_t id;
+  if (!GdiMap.FreePages.empty()) {
+    id = GdiMap.FreePages.back();
+    GdiMap.FreePages.pop_back();
+    GdiMap.Pages[id - 1] = page;
+  } else {
+    GdiMap.Pages.push_back(page);
+    id = (uint32_t)GdiMap.Pages.size();
+  }
+  ++GdiMap.LivePages;
+  GdiMap.PageBytes += RowBytes(side) * side;
+  return id;
+}
+
+void GdiDeletePage(uint32_t id) {
+  GdiPage* page = PageOf(id);
+  if (page == nullptr) return;
+  if (GdiMap.Selected == id) {
+    SelectObject(CanvasDc(), GdiMap.CanvasFirstBitmap);
+    GdiMap.Selected = 0;
+  }
+  DeleteObject(page->Bitmap);
+  GdiMap.PageBytes -= RowBytes(page->Side) * page->Side;
+  --GdiMap.LivePages;
+  *page = {nullptr, nullptr, 0};
+  GdiMap.FreePages.push_back(id);
+}
+
+void GdiSelectPage(uint32_t id) {
+  GdiPage* page = PageOf(id);
+  if (page == nullptr) return;
+  SelectObject(CanvasDc(), page->Bitmap);
+  GdiMap.Selected = id;
+}
+
+void GdiFillPageWhite(int side) {
+  if (GdiMap.Selected == 0) return;
+  PatBlt(CanvasDc(), 0, 0, side, side, WHITENESS);
+}
+
+void GdiPageLine(int pen, int x1, int y1, int x2, int y2) {
+  if (GdiMap.Selected == 0) return;
+  DrawLine(CanvasDc(), pen, x1, y1, x2, y2);
+}
+
+void GdiPageEllipse(int pen, int brush, int left, int top, int right, int bottom) {
+  if (GdiMap.Selected == 0) return;
+  DrawEllipse(CanvasDc(), pen, brush, left, top, right, bottom);
+}
+
+void GdiUseWindow(HandleWord window) { GdiMap.Window = (HWND)window; }
+
+void GdiWindowBlit(uint32_t id, int x, int y, int width, int height, int rasterOp) {
+  GdiPage* page = PageOf(id);
+  if (page == nullptr) return;
+  HDC window = AcquireWindowDc();
+  if (window == nullptr) return;
+  HDC canvas = CanvasDc();
+  SelectObject(canvas, page->Bitmap);
+  BitBlt(window, x, y, width, height, canvas, 0, 0, rasterOp == MAP_BLIT_AND ? SRCAND : SRCCOPY);
+  // Drawing goes on in the page chosen last.
+  GdiPage* selected = PageOf(GdiMap.Selected);
+  if (selected) SelectObject(canvas, selected->Bitmap);
+  ReleaseWindowDc(window);
+}
+
+void GdiWindowFillWhite(int left, int top, int right, int bottom) {
+  HDC window = AcquireWindowDc();
+  if (window == nullptr) return;
+  RECT area = {left, top, right, bottom};
+  FillRect(window, &area, (HBRUSH)GetStockObject(WHITE_BRUSH));
+  ReleaseWindowDc(window);
+}
+
+void GdiWindowLine(int pen, int x1, int y1, int x2, int y2) {
+  HDC window = AcquireWindowDc();
+  if (window == nullptr) return;
+  DrawLine(window, pen, x1, y1, x2, y2);
+  ReleaseWindowDc(window);
+}
+
+void GdiWindowEllipse(int pen, int brush, int left, int top, int right, int bottom) {
+  HDC window = AcquireWindowDc();
+  if (window == nullptr) return;
+  DrawEllipse(window, pen, brush, left, top, right, bottom);
+  ReleaseWindowDc(window);
+}
+
+void GdiWindowText(int x, int y, const char* text) {
+  HDC window = AcquireWindowDc();
+  if (window == nullptr) return;
+  HGDIOBJ oldFont = Fonts.FontText ? SelectObject(window, Fonts.FontText) : nullptr;
+  SetBkMode(window, TRANSPARENT);
+  SetTextColor(window, RGB(160, 160, 160));
+  DrawNarrowTextAt(window, x, y, text, TA_CENTER | TA_TOP);
+  if (oldFont) SelectObject(window, oldFont);
+  ReleaseWindowDc(window);
+}
+
+// The label stands on the session screen, right-aligned to the map's right
+// edge, in a rectangle sized for the longest label.
+void GdiMapSizeLabel(const char* text) {
+  HWND map = GdiMap.Window;
+  HWND screen = map ? GetParent(map) : nullptr;
+  if (screen == nullptr || !Session.MapVisible) return;
+  RECT mapRect;
+  GetWindowRect(map, &mapRect);
+  POINT corner = {mapRect.right, mapRect.top};
+  ScreenToClient(screen, &corner);
+  HDC dc = GetDC(screen);
+  HGDIOBJ oldFont = Fonts.FontText ? SelectObject(dc, Fonts.FontText) : nullptr;
+  SIZE widest = MeasureText(dc, L"Map Size: 99999 meters");
+  RECT area = {corner.x - widest.cx, corner.y - widest.cy - 1, corner.x, corner.y - 1};
+  FillRect(dc, &area, Tools.BrushButtonFace ? Tools.BrushButtonFace : GetSysColorBrush(COLOR_BTNFACE));
+  wchar_t wide[64];
+  int i = 0;
+  for (; text[i] && i < 63; ++i) wide[i] = (wchar_t)(unsigned char)text[i];
+  wide[i] = 0;
+  SIZE size = MeasureText(dc, wide);
+  SetBkMode(dc, TRANSPARENT);
+  SetTextColor(dc, RGB(0, 0, 0));
+  DrawTextAt(dc, corner.x - size.cx, area.top, wide);
+  if (oldFont) SelectObject(dc, oldFont);
+  ReleaseDC(screen, dc);
+}
+
+}  // namespace
+
+void UseGdiMapSurface() {
+  MapDrawing = {GdiCreatePage,      GdiDeletePage,    GdiSelectPage,  GdiFillPageWhite,
+                GdiPageLine,        GdiPageEllipse,   GdiUseWindow,   GdiWindowBlit,
+                GdiWindowFillWhite, GdiWindowLine,    GdiWindowEllipse, GdiWindowText,
+                GdiMapSizeLabel};
+}
+
+void ReleaseGdiMapSurface() {
+  for (uint32_t id = 1; id <= GdiMap.Pages.size(); ++id) GdiDeletePage(id);
+  GdiMap.Pages.clear();
+  GdiMap.FreePages.clear();
+  if (GdiMap.CanvasDc) DeleteDC(GdiMap.CanvasDc);
+  GdiMap.CanvasDc = nullptr;
+  GdiMap.Selected = 0;
+  GdiMap.LivePages = 0;
+  GdiMap.PageBytes = 0;
+}
+
+void UseMapWindowDc(HDC dc) { GdiMap.WindowDcOverride = dc; }
+
+COLORREF MapPagePixel(uint32_t id, int x, int y) {
+  GdiPage* page = PageOf(id);
+  if (page == nullptr || x < 0 || y < 0 || x >= page->Side || y >= page->Side) return 0xFFFFFFFF;
+  GdiFlush();
+  const unsigned char* pixel =
+      (const unsigned char*)page->Bits + RowBytes(page->Side) * y + 3 * (long long)x;
+  return RGB(pixel[2], pixel[1], pixel[0]);
+}
+
+int MapGdiPageCount() { return GdiMap.LivePages; }
+long long MapGdiPageBytes() { return GdiMap.PageBytes; }

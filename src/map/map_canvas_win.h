@@ -1,0 +1,19 @@
+// The map surface drawn with GDI: pages are 24-bit DIB sections the program
+// owns, drawn through one memory device context, and blitted to MapWnd.
+#pragma once
+#include <windows.h>
+
+#include <cstdint>
+
+// Installs the GDI surface as the map's surface.
+void UseGdiMapSurface();
+// Frees every page and the memory device context.
+void ReleaseGdiMapSurface();
+// Draws window operations into `dc` instead of the map window (a raster of
+// the test programs, or a print); null returns to the window.
+void UseMapWindowDc(HDC dc);
+// Pixel of a page as 0x00BBGGRR, or 0xFFFFFFFF outside it.
+COLORREF MapPagePixel(uint32_t page, int x, int y);
+// GDI objects and bytes held by the pages.
+int MapGdiPageCount();
+long long MapGdiPageBytes();
