@@ -213,6 +213,11 @@ void StartGpsReceiver(uint32_t now) {
   GpsReceiver.LastGoodTick = now;
   GpsReceiver.LastGateTick = 0;
   GpsReceiver.GpsBreakFlag = 0;
+  // Holds of an earlier session must not reach this session's file.
+  GpsReceiver.HeldGpsFull = 0;
+  GpsReceiver.HeldGsaFull = 0;
+  GpsReceiver.HoldLock = 0;
+  GpsReceiver.PendingPositionAfterStation = 0;
 }
 
 void GpsReceiveByte(unsigned char byte, uint32_t now) {

@@ -63,8 +63,8 @@ extern GpsReceiverActions GpsActions;
 // Puts the receiver and its outputs back to their starting values.
 void ResetGpsReceiver();
 
-// Fresh receiver at the start of the reader thread: empty line, the time-out
-// counted from `now`. The Manual holds and their flags are kept.
+// Fresh receiver at the start of the reader thread: empty line, no Manual
+// holds, the time-out counted from `now`.
 void StartGpsReceiver(uint32_t now);
 
 // One byte from the port, with the tick at which it arrived.

@@ -102,4 +102,8 @@ SupervisionDecision DecideSessionTick(uint32_t now) {
   return d;
 }
 
+int SessionTimerPeriod() {
+  return Link.Em61FastLink == 1 ? InstrumentLinkRecord::MonitorPeriodMs : SESSION_TIMER_MS;
+}
+
 void LinkBreakText(char* text, int capacity) { FormatNarrow(text, capacity, "%1dCONN BRK %1d", 1, 1); }

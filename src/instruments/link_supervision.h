@@ -42,5 +42,9 @@ struct SupervisionDecision {
 // The decision for this program's instrument at tick `now`.
 SupervisionDecision DecideSessionTick(uint32_t now);
 
+// Period of timer 1 from the start of a session on: the EM61 polled link's
+// `MonitorPeriodMs`, 300 ms for every other link.
+int SessionTimerPeriod();
+
 // The link-break remark, "%1dCONN BRK %1d" with both numbers 1.
 void LinkBreakText(char* text, int capacity);
