@@ -1,5 +1,6 @@
 // The frame window: the program's main menu.
 #include "core/main_menu_layout.h"
+#include "core/main_menu_paint_win.h"
 #include "core/message_table_win.h"
 #include "core/model_defaults.h"
 #include "core/platform_win.h"
@@ -233,6 +234,7 @@ LRESULT OnPaint(HWND frame, UINT, WPARAM, LPARAM) {
   HDC dc = BeginPaint(frame, &paint);
   PaintFrameLines(dc);
   PaintNames(dc);
+  PaintMainMenuContent(dc, CurrentLayout.ButtonsLeft, CurrentLayout.ButtonsTop);
   EndPaint(frame, &paint);
   UpdateWindow(frame);
   if (Session.ActiveScreen == SCREEN_MAIN_MENU) SetFocus(frame);

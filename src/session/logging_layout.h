@@ -7,8 +7,9 @@
 constexpr int CURVE_WINDOW_COUNT = 3;
 constexpr int SET_BUTTON_COUNT = 4;
 constexpr int REVIEW_BUTTON_COUNT = 9;
-constexpr int CHANNEL_RADIO_SLOTS = 7;   // four, or three and three for two LX2 sensors
-constexpr int STATUS_ROW_SLOTS = 4;
+constexpr int CHANNEL_RADIO_SLOTS = 7;   // four of the first sensor, three of the second LX2 sensor
+constexpr int SECOND_SENSOR_RADIO_SLOT = 4;
+constexpr int STATUS_ROW_SLOTS = 6;
 
 // Window ids of the screen's children and buttons.
 constexpr int CURVE_WINDOW_ID = 600;
@@ -89,9 +90,11 @@ struct LoggingLayoutRecord {
   ChildPlace Review[REVIEW_BUTTON_COUNT];
   ChildPlace Radios[CHANNEL_RADIO_SLOTS];
   int RadioCount = 0;                        // radios of the first sensor
-  int SecondRadioCount = 0;                  // radios of the second LX2 sensor
+  int SecondRadioCount = 0;                  // radios of the second LX2 sensor, from slot 4
 
-  // Text panels.
+  // Text panels. The measuring function of the last placing is kept, so that
+  // a later arrangement (Toggle View) keeps the panels in step with the windows.
+  MeasureTextFunction PanelMeasure = nullptr;
   int PanelRowPitch = 0;
   int TextHeight = 0;
   PixelRect InfoArea;            // info and GPS blocks
