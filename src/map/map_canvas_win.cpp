@@ -202,7 +202,9 @@ void GdiWindowEllipse(int pen, int brush, int left, int top, int right, int bott
 void GdiWindowText(int x, int y, const char* text) {
   HDC window = AcquireWindowDc();
   if (window == nullptr) return;
-  HGDIOBJ oldFont = Fonts.FontText ? SelectObject(window, Fonts.FontText) : nullptr;
+  // The map's notices ("Please Wait", "Waiting for the first valid GPS
+  // position") stand in the title font.
+  HGDIOBJ oldFont = Fonts.FontTitle ? SelectObject(window, Fonts.FontTitle) : nullptr;
   SetBkMode(window, TRANSPARENT);
   SetTextColor(window, RGB(160, 160, 160));
   DrawNarrowTextAt(window, x, y, text, TA_CENTER | TA_TOP);

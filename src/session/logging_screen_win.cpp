@@ -9,6 +9,9 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "core/variant.h"
+#include "map/map_canvas_win.h"
+#include "map/map_surface.h"
+#include "session/session_win.h"
 
 LoggingWindowsRecord LoggingWindows;
 
@@ -96,6 +99,9 @@ LRESULT OnCreate(HWND screen, UINT, WPARAM, LPARAM) {
   LoggingLayoutCreateStep();
   if (!CreateLoggingChildren(screen)) return -1;
   LoadSettings(SETTINGS_LOAD);
+  // The map is drawn into pages the program owns and composed into MapWnd.
+  UseGdiMapSurface();
+  MapDrawing.UseWindow((HandleWord)LoggingWindows.Map);
   return 0;
 }
 
@@ -113,17 +119,13 @@ LRESULT OnPaint(HWND screen, UINT, WPARAM, LPARAM) {
   return 0;
 }
 
-LRESULT OnCommandOrKey(HWND screen, UINT, WPARAM, LPARAM) {
-  SetFocus(screen);
-  return 0;
-}
-
 LRESULT Ignore(HWND, UINT, WPARAM, LPARAM) { return 0; }
 
 const MessageRow LoggingScreenMessages[] = {
-    {WM_CREATE, OnCreate},        {WM_SIZE, OnSize},           {WM_COMMAND, OnCommandOrKey},
-    {WM_KEYDOWN, OnCommandOrKey}, {WM_KEY_SHARED, OnCommandOrKey}, {WM_KEYUP, Ignore},
-    {WM_PAINT, OnPaint},          {WM_TIMER, Ignore},
+    {WM_CREATE, OnCreate},             {WM_SIZE, OnSize},
+    {WM_COMMAND, LoggingCommandOrKey}, {WM_KEYDOWN, LoggingCommandOrKey},
+    {WM_KEY_SHARED, LoggingCommandOrKey}, {WM_KEYUP, Ignore},
+    {WM_PAINT, OnPaint},               {WM_TIMER, LoggingTimer},
 };
 
 }  // namespace

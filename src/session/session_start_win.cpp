@@ -1,25 +1,228 @@
-// Start of a session from the main menu. The checks that need no port come
-// first; the ports, threads and the logging screen follow them.
+// Start of a session from the main menu: the settings of the session are made
+// ready, the configuration is checked, the ports opened, the instrument's link
+// proven, and the logging screen shown with the GPS reader resumed last, so
+// that no position reaches a half-built screen.
 #include "core/platform_win.h"
 #include "core/program_win.h"
 #include "core/state.h"
 #include "core/text.h"
+#include "core/ticks.h"
+#include "core/variant.h"
+#include "gps/gps_reader_win.h"
+#include "gps/nmea_format.h"
+#include "gps/position_pipeline.h"
+#include "instruments/em_frame_reader_win.h"
+#include "instruments/serial_ports_win.h"
+#include "map/live_map.h"
+#include "map/map_canvas.h"
+#include "map/map_canvas_win.h"
+#include "map/scale_ticks.h"
 #include "session/session_win.h"
+#include "session/logging_screen_win.h"
+#include "session/session_state.h"
 
-void StartSession() {
+namespace {
+
+constexpr UINT_PTR SESSION_TIMER = 1;
+
+// Both tick stamps of the instrument link at now.
+void StampLinkTicks() {
+  const uint32_t now = TickNow();
+  Link.LastByteTick = now;
+  Link.LastReadingTick = now;
+}
+
+void ShowWide(const wchar_t* templateName, const wchar_t* title, const char* text) {
+  wchar_t wide[256];
+  WidenText(text, wide, 256);
+  ShowMessage(Windows.Frame, templateName, title, wide);
+}
+
+// Steps 1 to 12: the state of a new session, before anything is checked.
+void PrepareSessionState() {
+  Link.LinkLostShown = 0;
+  if (InstrumentModel != EM61LX2 && InstrumentModel != Grad601) Settings.SensorCount = 0;
+  Model.DecayChannelPrev = Model.DecayChannelLast - 1;
+  Link.ReadingsPerMessage = 1;
+  ClearSessionClocks();
+
+  Model.CurrentDipolePair = Settings.DipoleMode + 2 * Settings.Component;
+  GpsLink.GpsOffsetYEffective = Settings.GpsOffsetY;
+  GpsLink.PositionOffsetApplied = 1;
+
+  if (InstrumentModel == EM343) {
+    Model.Em34ConfigShown = Model.Em34ConfigLast = Settings.DipoleMode;
+    static const double HalfSeparations[3] = {5.0, 10.0, 20.0};
+    const double y = GpsLink.GpsOffsetYEffective;
+    if (Session.SurveyModeCurrent == SURVEY_MANUAL) {
+      GpsLink.PositionOffsetApplied = 0;
+      Model.ManualStationOpen = 0;
+      for (int i = 0; i < 3; ++i) {
+        const double half = HalfSeparations[i];
+        Model.Em34OffsetBySeparation[i] =
+            Settings.Em34Reference == 0 ? y + half : Settings.Em34Reference == 1 ? -half - y : y;
+      }
+    } else {
+      const double half = Model.Em34Separation / 2.0;
+      if (Settings.Em34Reference == 0) GpsLink.GpsOffsetYEffective = y + half;
+      else if (Settings.Em34Reference == 1) GpsLink.GpsOffsetYEffective = -half - y;
+    }
+  }
+
+  if (Settings.GpsInput == 0) Settings.MapDisplayMode = 0;
+  Session.MapVisible = Settings.GpsInput != 0 ? 1 : 0;
+  if (IsNavigation()) Settings.MapDisplayMode = 0;
+
+  SessionExtras.BackgroundFileCount = 0;
+  ResetMapForSession();
+
+  const double rate = Settings.SampleInterval != 0.0 ? 1.0 / Settings.SampleInterval : 0.0;
+  Link.AudioTickEvery = rate < 4 ? 1 : rate < 8 ? 2 : rate < 13 ? 3 : 6;
+  if (InstrumentModel == EM61MK2 && Settings.SurveyMode == SURVEY_WHEEL) Link.AudioTickEvery = 1;
+  if (InstrumentModel == EM61MK2 && Settings.SurveyMode == SURVEY_MANUAL) Link.AudioTickEvery = 6;
+
+  GpsLink.GpsFixSeen = 0;
+  MapCanvas.MapDrawnOnce = 0;
+  SessionExtras.GpsDataSeen = 0;
+  Session.SessionState = SESSION_MONITORING;
+  Position.LastSpeed = -2.0;
+  Model.SoftMarkerDown = 0;
+  Link.FastTimerBudget = (int)(Link.MonitorPeriodMs * 1.1 + 1.0);
+  if (Settings.GpsInput == 0) Session.MapVisible = 0;
+  GpsLink.GpsSequenceNumber = 0;
+  Session.GpsPositionCount = 0;
+  Position.UtmZone = -9;
+  ResetPositionPipeline();
+
+  ArrangeLoggingScreenWindows();
+  ShareScreenPlaces();
+  ApplyMapWindowSide(MapWindow.MapWndWidth);
+  RecomputeGridStep();
+  SetGpsFormatTable();
+  FixFootprintMethod();
+
+  RecomputeScaleFactors();
+
+  if (Settings.NullApply == 0)
+    Settings.NullValue1 = Settings.NullValue2 = Settings.NullValue3 = Settings.NullValue4 = 0.0;
+  Session.MarkerCount = 0;
+  Session.SurveyModeActive = 0;
+
+  if (InstrumentModel >= 0) {
+    Settings.ProfileScaleKind = 0;
+    Session.SurveyModeCurrent = Settings.SurveyMode;
+    StampLinkTicks();
+    Model.ManualReadingsPerStation = 1;
+    Model.ManualReadingsDone = 0;
+    ApplyManualReadingsRule();
+  }
+}
+
+// Steps 13 and 14: the configuration checks that need no port.
+int ConfigurationAllowsSession() {
   if (Settings.GpsInput == 0 && Settings.InstrumentEnabled == 0) {
     ShowMessage(Windows.Frame, L"MESSAGEOK", L"EM AND GPS DISABLED", L"Instrument Disabled and GPS Disabled");
     InvalidateRect(Windows.Frame, nullptr, TRUE);
-    return;
+    return 0;
   }
   if (Settings.GpsInput != 0 && Settings.InstrumentEnabled != 0 && Settings.InstrumentPort == Settings.GpsPort) {
     char text[256];
     FormatNarrow(text, sizeof text,
                  "Serial Port COM%d Assigned to Instrument and GPS, please change port selection.",
                  Settings.GpsPort + 1);
-    wchar_t wide[256];
-    WidenText(text, wide, 256);
-    ShowMessage(Windows.Frame, L"MESSAGEOK", L"Serial Port Issue", wide);
+    ShowWide(L"MESSAGEOK", L"Serial Port Issue", text);
+    return 0;
+  }
+  return 1;
+}
+
+// Steps 15 and 16: the ports. Whatever opened is closed again on a failure.
+int OpenSessionPorts() {
+  int errors = 0;
+  if (Settings.InstrumentEnabled > 0 && OpenInstrumentLinkForSession() != 1) ++errors;
+  if (Settings.GpsInput == 1) {
+    if (OpenGpsPort() == 1) GpsLink.GpsPortState = 1;
+    else ++errors;
+  }
+  if (errors == 0) return 1;
+  if (Link.InstrumentPortState == 1) CloseInstrumentPort();
+  if (GpsLink.GpsPortState == 1) CloseGpsPort();
+  Link.InstrumentPortState = 0;
+  GpsLink.GpsPortState = 0;
+  return 0;
+}
+
+// Step 17: the instrument's proof of life and its reader. The EM61 family's
+// handshake and the gradiometer's reader come with their own links; until
+// then an EM61 cannot connect, and a gradiometer runs without a reader, which
+// its supervision shows as a lost connection.
+int StartInstrumentLink() {
+  if (Settings.InstrumentEnabled <= 0) return 1;
+  switch (InstrumentModel) {
+    case EM31MK2:
+    case EM343:
+    case EM38:
+      if (InstrumentModel == EM31MK2 && !IsNavigation() && Settings.Component == 1) Settings.MapDisplayMode = 2;
+      if (StartEmFrameLink() != 1) return 0;
+      if (InstrumentModel != EM38) Model.NullingState = 1;
+      return 1;
+    case Grad601:
+      DelayMs(50);
+      return 1;
+    default:
+      ShowMessage(Windows.Frame, L"MESSAGEOK", L"Connection Issue",
+                  L"Instrument OFF or Disconnected, or wrong COM port selected");
+      return 0;
+  }
+}
+
+// Step 18: the map window and the GPS reader, created suspended.
+void PrepareGpsSide() {
+  if (Settings.GpsInput <= 0) return;
+  InitMapWindow();
+  GpsLink.GpsFixSeen = 0;
+  GpsLink.GpsThreadRun = 1;
+  DWORD id = 0;
+  HANDLE thread = CreateThread(nullptr, 0, GpsThreadEntry(), nullptr, CREATE_SUSPENDED, &id);
+  GpsLink.GpsThread = (HandleWord)thread;
+}
+
+}  // namespace
+
+void StartSession() {
+  PrepareSessionState();
+  if (!ConfigurationAllowsSession()) return;
+  if (!OpenSessionPorts()) return;
+  if (!StartInstrumentLink()) {
+    CloseInstrumentPort();
+    CloseGpsPort();
+    Link.InstrumentPortState = 0;
+    GpsLink.GpsPortState = 0;
     return;
   }
+  PrepareGpsSide();
+
+  // Step 19: the period in force is 300 ms; this last setting of the timer
+  // stands whatever an instrument asked for before.
+  RecomputeColourWidth();
+  StampLinkTicks();
+  if (Settings.InstrumentEnabled > 0)
+    SetTimer(Windows.ScreenLog, SESSION_TIMER, Link.Em61FastLink == 1 ? Link.MonitorPeriodMs : 300, nullptr);
+
+  // Steps 20 to 22: the main menu's buttons give way to the screen's.
+  ShowMainButtons(0);
+  SetSessionButtonsForStart();
+  Model.Em34DipoleChar = Settings.DipoleMode != 0 ? 'H' : 'V';
+  StampLinkTicks();
+  InvalidateRect(Windows.Frame, nullptr, TRUE);
+
+  // Steps 23 and 24.
+  Session.ActiveScreen = SCREEN_LOGGING;
+  ShowLoggingScreen();
+  DelayMs(20);
+  Session.ProcessingEnabled = 1;
+  ClearSessionClocks();
+  RepaintLoggingScreen();
+  if (GpsLink.GpsFixSeen == 0 && Settings.GpsInput > 0) ShowWaitingForPosition();
+  if (Settings.GpsInput > 0 && GpsLink.GpsThread != NO_HANDLE) ResumeThread((HANDLE)GpsLink.GpsThread);
 }

@@ -1,0 +1,19 @@
+// Session bookkeeping shared by the start of a session, its commands and its exit.
+#pragma once
+
+struct SessionExtrasRecord {
+  int BackgroundFileCount = 0;
+  int GpsDataSeen = 0;
+  wchar_t BackgroundNames[10][261] = {};
+};
+
+extern SessionExtrasRecord SessionExtras;
+
+// The clock fields of the screen ("Tot. Time:") back to zero.
+void ClearSessionClocks();
+
+// Readings to take at a Manual station, from the dipole and component settings.
+void ApplyManualReadingsRule();
+
+// Width of a colour class on the scale the colour image shows.
+void RecomputeColourWidth();
