@@ -119,12 +119,11 @@ LRESULT OnPaint(HWND screen, UINT, WPARAM, LPARAM) {
   return 0;
 }
 
-LRESULT Ignore(HWND, UINT, WPARAM, LPARAM) { return 0; }
 
 const MessageRow LoggingScreenMessages[] = {
     {WM_CREATE, OnCreate},             {WM_SIZE, OnSize},
     {WM_COMMAND, LoggingCommandOrKey}, {WM_KEYDOWN, LoggingCommandOrKey},
-    {WM_KEY_SHARED, LoggingCommandOrKey}, {WM_KEYUP, Ignore},
+    {WM_KEY_SHARED, LoggingCommandOrKey}, {WM_KEYUP, LoggingKeyUp},
     {WM_PAINT, OnPaint},               {WM_TIMER, LoggingTimer},
 };
 

@@ -3,10 +3,20 @@
 // the way back to the main menu.
 #include <initializer_list>
 
+#include <windows.h>
+#include <mmsystem.h>
+
 #include "core/platform_win.h"
 #include "core/program_win.h"
 #include "core/state.h"
+#include "core/settings.h"
+#include "core/text.h"
+#include "core/ticks.h"
 #include "core/variant.h"
+#include "datafile/records.h"
+#include "gps/position_pipeline.h"
+#include "map/live_map.h"
+#include "map/scale_ticks.h"
 #include "gps/gps_reader_win.h"
 #include "instruments/link_supervision_win.h"
 #include "instruments/serial_ports_win.h"
@@ -15,6 +25,9 @@
 #include "session/logging_screen_win.h"
 #include "session/session_state.h"
 #include "session/session_win.h"
+
+SessionDialogsRecord SessionDialogs;
+SessionMenuRecord SessionMenu;
 
 namespace {
 
@@ -92,10 +105,309 @@ void LeaveToMainMenu() {
   SetFocus(Windows.Frame);
 }
 
+void Inform(const wchar_t* title, const char* text) {
+  wchar_t wide[256];
+  WidenText(text, wide, 256);
+  ShowMessage(Windows.ScreenLog, L"MESSAGEOK", title, wide);
+}
+
+void Warn(const char* first, const char* second, const char* third) {
+  char text[256];
+  FormatNarrow(text, sizeof text, "%s\r\n%s\r\n%s", first, second, third);
+  Inform(L"WARNING", text);
+}
+
+void Ring(const wchar_t* sound) {
+  PlaySoundW(sound, Windows.Instance, SND_RESOURCE | SND_ASYNC | SND_NOSTOP);
+}
+
+bool NeedsInstrument() {
+  if (Settings.InstrumentEnabled != 0) return true;
+  Inform(L"INFORMATION", "Option avaiable only when Instrument is enabled");
+  return false;
+}
+
+bool NeedsGpsAndMap() {
+  if (Settings.GpsInput == 0) {
+    Inform(L"INFORMATION", "Option avaiable only when GPS is enabled");
+    return false;
+  }
+  if (!Session.MapVisible) {
+    Inform(L"INFORMATION", "Option avaiable only when map is visible");
+    return false;
+  }
+  return true;
+}
+
+void EnableReviewRow(int enabled) {
+  UpdateReviewRowFlags();
+  for (int i = 0; i < REVIEW_BUTTON_COUNT; ++i) {
+    HWND button = LoggingWindows.Review[i];
+    if (!button) continue;
+    bool zoom = (i >= 4 && i <= 6);
+    EnableWindow(button, enabled && !zoom && LoggingLayout.Review[i].Enabled ? TRUE : FALSE);
+  }
+}
+
+// The data file is closed and opened again, so that all written so far is
+// safe on disk.
+void ReopenDataFile() {
+  if (DataFileState.DataFile == NO_HANDLE) return;
+  CloseHandle((HANDLE)DataFileState.DataFile);
+  HANDLE file = CreateFileW(DataFileState.DataFilePath, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
+                            FILE_ATTRIBUTE_NORMAL, nullptr);
+  DataFileState.DataFile = (file == INVALID_HANDLE_VALUE) ? NO_HANDLE : (HandleWord)file;
+  if (file != INVALID_HANDLE_VALUE) SetFilePointer(file, 0, nullptr, FILE_END);
+}
+
+void ShowStandBySet() {
+  ShowSet(LoggingWindows.MonitoringSet, 0);
+  ShowWindow(LoggingWindows.Pause, SW_HIDE);
+  ShowSet(LoggingWindows.StandBySet, 1);
+  FocusSetButton(0);
+}
+
+// "&File" in Monitoring: a new data file brings Stand By.
+void FileCommand() {
+  Session.ProcessingEnabled = 0;
+  int result = SessionDialogs.CreateDataFile ? SessionDialogs.CreateDataFile(Windows.ScreenLog) : -1;
+  if (result == 1) {
+    // Continuing an own file comes with the append; until then it is refused
+    // and nothing is written to it.
+    CloseHandle((HANDLE)DataFileState.DataFile);
+    DataFileState.DataFile = NO_HANDLE;
+    DataFileState.DataFileName[0] = 0;
+    Inform(L"WARNING", "The file already exisits. Please enter another name");
+  } else if (result == -1) {
+    char text[96];
+    FormatNarrow(text, sizeof text, "File not from %s program", VariantName());
+    Inform(L"INFORMATION", text);
+  }
+  if (DataFileState.DataFile != NO_HANDLE) {
+    EnableReviewRow(1);
+    if (Settings.InstrumentEnabled == 0) {
+      Settings.GpsOffsetX = 0.0;
+      GpsLink.GpsOffsetYEffective = 0.0;
+      Settings.MapDisplayMode = 0;
+    }
+    Session.SessionState = SESSION_STANDBY;
+    ShowStandBySet();
+    ShowStatusText(0);
+    ShowStatusText(2);
+  }
+  ClearSessionClocks();
+  RepaintLoggingScreen();
+  Session.ProcessingEnabled = 1;
+}
+
+// "&Go": recording starts.
+void GoCommand() {
+  if (Session.MapTooSmall == 2) {
+    Ring(L"SOUND_RING");
+    Warn("Cannot start logging.", "Please increase the map size", "by 20-25%.");
+    return;
+  }
+  Session.ReviewActive = 0;
+  Session.ProcessingEnabled = 0;
+  EnableReviewRow(0);
+  ShowSet(LoggingWindows.StandBySet, 0);
+  Session.GoTick = TickNow();
+  if (Settings.SurveyMode != SURVEY_MANUAL) Session.SurveyModeActive = Settings.SurveyMode;
+  Session.SessionState = SESSION_LOGGING;
+  ShowStatusText(3);
+  ShowChannelButtons(0);
+  Link.ReaderCount = 0;
+  Link.ReadingsPerMessage = (Settings.SurveyMode == SURVEY_AUTO) ? Link.KeepEveryNth : 1;
+  ShowWindow(LoggingWindows.Pause, SW_SHOW);
+  SendMessageW(LoggingWindows.Pause, BM_SETSTYLE, 1, TRUE);
+  ResetLiveMapForLogging();
+  PositionPipeline.BucketState = 0;
+  ShowPauseHint(SESSION_LOGGING);
+  const uint32_t now = TickNow();
+  GpsLink.SessionStartTick = now;
+  WriteMarkerRecord(L"$STARTED", 'X');
+  Session.ProcessingEnabled = 1;
+}
+
+// Pause: recording stops and the file is made safe.
+void PauseCommand() {
+  Session.SessionState = SESSION_STANDBY;
+  ShowPauseHint(SESSION_STANDBY);
+  Session.ProcessingEnabled = 0;
+  WriteMarkerRecord(Session.MapTooSmall == 1 ? L"PAUSED BMP" : L"PAUSED", 'X');
+  ReopenDataFile();
+  ShowChannelButtons(1);
+  Link.ReaderCount = 0;
+  Link.ReadingsPerMessage = 1;
+  UpdateSessionClocks();
+  Session.LineTimeAtPause = Session.LineTimeMs;
+  Session.TotalTimeAtPause = Session.TotalTimeMs;
+  ShowStandBySet();
+  if (Session.MapVisible) EnableReviewRow(1);
+  ShowStatusText(2);
+  if (Session.MapTooSmall == 1) {
+    Session.MapTooSmall = 2;
+    Ring(L"SOUND_RING_2S");
+    Warn("Please select Map Size option", "and increase the map size", "by 20-25%.");
+  }
+  RepaintLoggingScreen();
+  Session.ProcessingEnabled = 1;
+}
+
+// "&QLine": the next line at once, to and fro in Alternate sequence.
+void QuickLineCommand() {
+  char line[TEXT_LINE_CHARS];
+  NarrowText(Settings.SurveyLine, line, TEXT_LINE_CHARS);
+  char next[64];
+  FormatNarrow(next, sizeof next, "%.2f", AsciiToDouble(line) + Settings.LineIncrement);
+  wchar_t wide[64];
+  WidenText(next, wide, 64);
+  if (ShowMessage(Windows.ScreenLog, L"MESSAGEYESNO", L"Quick Line", wide) != 1) return;
+  Session.LineCount += 1;
+  Session.LineTimeAtPause = 0;
+  Session.StationsOnLine = 0;
+  Session.LineDistance = 0.0;
+  next[TEXT_LINE_CHARS - 1] = 0;
+  WidenText(next, Settings.SurveyLine, TEXT_LINE_CHARS);
+  if (Settings.LineSequence == 1) {
+    Session.CurrentStation = Settings.StartStation;
+  } else {
+    Session.StationIncrement = -Session.StationIncrement;
+    Settings.LineDirection = 3 - Settings.LineDirection;
+    Settings.StartStation = Session.CurrentStation;
+  }
+  WriteLineHeader();
+  WriteTimeRecord();
+  LoadSettings(SETTINGS_SAVE);
+  RepaintLoggingScreen();
+}
+
+void NewLineCommand() {
+  if (!NeedsInstrument()) return;
+  if (!SessionDialogs.RunNewLine || SessionDialogs.RunNewLine(Windows.ScreenLog) != 1) return;
+  WriteLineHeader();
+  WriteTimeRecord();
+  Session.LineCount += 1;
+  Session.LineTimeAtPause = 0;
+  Session.StationsOnLine = 0;
+  Session.LineDistance = 0.0;
+  RepaintLoggingScreen();
+}
+
+void NewStationCommand() {
+  if (!NeedsInstrument()) return;
+  if (SessionDialogs.RunNewStation) SessionDialogs.RunNewStation(Windows.ScreenLog);
+  RepaintLoggingScreen();
+}
+
+void CommentCommand() {
+  if (DataFileState.DataFile == NO_HANDLE) return;
+  if (SessionDialogs.RunComment) SessionDialogs.RunComment(Windows.ScreenLog);
+}
+
+void MenuCommand() {
+  if (!SessionDialogs.LoadMenu) return;
+  HMENU menu = SessionDialogs.LoadMenu(Session.SessionState);
+  if (!menu) return;
+  SessionMenu.Menu = menu;
+  SessionMenu.Popup = GetSubMenu(menu, 0);
+  TrackPopupMenuEx(SessionMenu.Popup, TPM_LEFTALIGN | TPM_TOPALIGN, Screen.ScreenOriginX + 190,
+                   Screen.ScreenOriginY + 120, Windows.ScreenLog, nullptr);
+  DestroyMenu(menu);
+  SessionMenu.Menu = nullptr;
+  SessionMenu.Popup = nullptr;
+}
+
+void ToggleViewCommand() {
+  if (Settings.InstrumentEnabled == 0) Inform(L"INFORMATION", "Option avaiable only when Instrument is enabled");
+  if (Settings.GpsInput == 0) Inform(L"INFORMATION", "Option avaiable only when GPS is enabled");
+  if (Settings.InstrumentEnabled == 0 || Settings.GpsInput == 0) return;
+  Session.MapVisible = !Session.MapVisible;
+  ArrangeLoggingScreenWindows();
+  ShareScreenPlaces();
+  ApplyMapWindowSide(MapWindow.MapWndWidth);
+  RecomputeScaleFactors();
+  RepaintLoggingScreen();
+  if (Session.MapVisible) {
+    RedrawTiles(2);
+    ShowPleaseWait();
+    if (MapCallPoints.ReplayMap) MapCallPoints.ReplayMap();
+    MapCanvas.ReanchorPending = 1;
+    EnableReviewRow(1);
+    ShowChannelButtons(1);
+  } else {
+    EnableReviewRow(0);
+    ShowChannelButtons(0);
+  }
+}
+
+void MapViewCommandOfScreen(int code) {
+  if (!Session.MapVisible || Settings.GpsInput == 0) return;
+  if (DataFileState.DataFile == NO_HANDLE && !Session.ReviewActive) return;
+  if (!IsNavigation() || code <= CMD_PAN_DOWN) MapViewCommand(code);
+}
+
+void ReviewCommand(int enter) {
+  if (IsNavigation() || !Session.MapVisible || Session.SessionState == SESSION_LOGGING) return;
+  if (enter && !Session.ReviewActive) {
+    EnterMapReview();
+    ShowSet(LoggingWindows.StandBySet, 0);
+    for (int i = 4; i <= 6; ++i) {
+      ShowWindow(LoggingWindows.Review[i], SW_SHOW);
+      EnableWindow(LoggingWindows.Review[i], TRUE);
+    }
+    ShowWindow(LoggingWindows.Review[7], SW_HIDE);
+    ShowWindow(LoggingWindows.Review[8], SW_SHOW);
+    EnableWindow(LoggingWindows.Review[8], TRUE);
+  } else if (!enter && Session.ReviewActive) {
+    ExitMapReview();
+    ShowChannelButtons(1);
+    for (int i = 4; i <= 6; ++i) ShowWindow(LoggingWindows.Review[i], SW_HIDE);
+    ShowWindow(LoggingWindows.Review[8], SW_HIDE);
+    ShowWindow(LoggingWindows.Review[7], SW_SHOW);
+    if (Session.SessionState == SESSION_STANDBY) ShowStandBySet();
+    else ShowSet(LoggingWindows.MonitoringSet, 1);
+    RepaintLoggingScreen();
+  }
+}
+
 void RunCommand(int code) {
+  const int state = Session.SessionState;
   switch (code) {
+    case CMD_FILE_GO_PAUSE:
+      if (state == SESSION_MONITORING) FileCommand();
+      else if (state == SESSION_STANDBY) GoCommand();
+      else if (state == SESSION_LOGGING) PauseCommand();
+      break;
+    case CMD_NULL_MAPSIZE_QLINE:
+      if (!NeedsInstrument()) break;
+      if (state == SESSION_STANDBY) QuickLineCommand();
+      else if (state == SESSION_MONITORING)
+        RunCommand((InstrumentModel == EM61MK2 || InstrumentModel == EM61LX2) ? CMD_NULLING : CMD_MAP_SIZE);
+      break;
     case CMD_EXIT: LeaveToMainMenu(); break;
-    default: break;  // the commands of recording come with the data file
+    case CMD_MENU: MenuCommand(); break;
+    case CMD_NEW_LINE: NewLineCommand(); break;
+    case CMD_NEW_STATION: NewStationCommand(); break;
+    case CMD_COMMENT: CommentCommand(); break;
+    case CMD_NULLING:
+      NeedsInstrument();
+      break;
+    case CMD_HIDE_MENU:
+      RepaintLoggingScreen();
+      break;
+    case CMD_TOGGLE_VIEW: ToggleViewCommand(); break;
+    case CMD_MAP_SIZE:
+    case CMD_MAP_DISPLAY_OPTIONS:
+      NeedsGpsAndMap();
+      break;
+    case CMD_PAN_LEFT: case CMD_PAN_RIGHT: case CMD_PAN_UP: case CMD_PAN_DOWN:
+    case CMD_ZOOM_IN: case CMD_ZOOM_OUT: case CMD_FIT_ALL:
+      MapViewCommandOfScreen(code);
+      break;
+    case CMD_ENTER_REVIEW: ReviewCommand(1); break;
+    case CMD_EXIT_REVIEW: ReviewCommand(0); break;
+    default: break;  // dialogs of scales, colours, alarms and background files come later
   }
 }
 
@@ -174,8 +486,14 @@ LRESULT LoggingCommandOrKey(HWND screen, UINT message, WPARAM wParam, LPARAM) {
     return 0;
   }
   if (Session.ActiveScreen != SCREEN_LOGGING) return 0;
-  if (Session.SessionState == SESSION_LOGGING) return 0;  // the pause key comes with recording
   const int key = (int)wParam;
+  if (Session.SessionState == SESSION_LOGGING) {
+    PauseKeyDecision d = DecidePauseKey(key, Settings.PauseKey, InstrumentModel, Settings.SoftMarkerKey,
+                                        Model.SoftMarkerDown);
+    Model.SoftMarkerDown = d.SoftMarkerDown;
+    if (d.Pause) RunCommand(CMD_FILE_GO_PAUSE);
+    return 0;
+  }
   if (key == KEY_TAB) {
     FocusSetButton((Session.FocusedButton + 1) % SET_BUTTON_COUNT);
     return 0;
@@ -184,9 +502,16 @@ LRESULT LoggingCommandOrKey(HWND screen, UINT message, WPARAM wParam, LPARAM) {
     RunCommand(Session.FocusedButton);
     return 0;
   }
-  KeyContext context{Session.SessionState, Session.ReviewActive, 0};
+  KeyContext context{Session.SessionState, Session.ReviewActive,
+                     SessionMenu.Menu != nullptr && SessionMenu.Popup != nullptr};
   int code = CommandForKey(key, context);
   if (code != CMD_NONE) RunCommand(code);
+  return 0;
+}
+
+LRESULT LoggingKeyUp(HWND, UINT, WPARAM wParam, LPARAM) {
+  // A soft marker lasts as long as its key is held.
+  if (Settings.SoftMarkerKey == 1 && IsSoftMarkerKey((int)wParam)) Model.SoftMarkerDown = 0;
   return 0;
 }
 

@@ -1,6 +1,7 @@
 #include "session/session_state.h"
 
 #include "core/state.h"
+#include "core/ticks.h"
 #include "core/variant.h"
 #include "map/colour_scale.h"
 
@@ -11,6 +12,13 @@ void ClearSessionClocks() {
   Session.LineTimeMs = 0;
   Session.TotalTimeAtPause = 0;
   Session.LineTimeAtPause = 0;
+}
+
+void UpdateSessionClocks() {
+  if (Session.SessionState != SESSION_LOGGING) return;
+  const uint32_t since = TickNow() - Session.GoTick;
+  Session.TotalTimeMs = Session.TotalTimeAtPause + since;
+  Session.LineTimeMs = Session.LineTimeAtPause + since;
 }
 
 void ApplyManualReadingsRule() {

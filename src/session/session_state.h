@@ -12,6 +12,10 @@ extern SessionExtrasRecord SessionExtras;
 // The clock fields of the screen ("Tot. Time:") back to zero.
 void ClearSessionClocks();
 
+// Recorded time in all and on the line: the bases of the last pause plus the
+// time since the last Go, while Logging.
+void UpdateSessionClocks();
+
 // Readings to take at a Manual station, from the dipole and component settings.
 void ApplyManualReadingsRule();
 

@@ -2,6 +2,25 @@
 #pragma once
 #include <windows.h>
 
+// What the logging session opens: the data file's creation, the dialogs of
+// new lines, stations and comments, and the popup menu of the screen.
+struct SessionDialogsRecord {
+  int (*CreateDataFile)(HWND owner) = nullptr;   // 0 new, 1 existing own file, -1 none or foreign
+  int (*RunNewLine)(HWND owner) = nullptr;       // 1 on OK
+  int (*RunNewStation)(HWND owner) = nullptr;
+  int (*RunComment)(HWND owner) = nullptr;
+  HMENU (*LoadMenu)(int sessionState) = nullptr;
+};
+
+// The popup menu while it is open: its accelerators L, R and D apply then.
+struct SessionMenuRecord {
+  HMENU Menu = nullptr;
+  HMENU Popup = nullptr;
+};
+
+extern SessionDialogsRecord SessionDialogs;
+extern SessionMenuRecord SessionMenu;
+
 // "&Logging" on the main menu: checks, ports, threads, then the logging screen.
 void StartSession();
 
@@ -15,9 +34,15 @@ void ShowChannelButtons(int show);
 // The places of the panels that the link and GPS handlers paint by themselves.
 void ShareScreenPlaces();
 
+// 0 "File: %s", 1 the Monitoring line, 2 the Stand By line, 3 the Logging line.
+void ShowStatusText(int kind);
+// The hint above the Pause button while Logging; wiped at a pause.
+void ShowPauseHint(int state);
+
 void ShowLoggingScreen();
 void RepaintLoggingScreen();
 
 // Handlers of the logging screen's message table.
 LRESULT LoggingCommandOrKey(HWND screen, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT LoggingTimer(HWND screen, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT LoggingKeyUp(HWND screen, UINT message, WPARAM wParam, LPARAM lParam);
