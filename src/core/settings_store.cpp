@@ -76,7 +76,7 @@ void DeriveEm34Dipole() {
     Model.Em34DipoleChar = dipole < 3 ? 'V' : 'H';
     Model.Em34Separation = separations[dipole];
   } else {
-    Model.ManualReadingsPerStation = dipole + 1;
+    Model.ManualReadingsPerStation = TruncToInt(dipole + 1.0);
   }
 }
 
@@ -126,6 +126,7 @@ void DeriveSwath() { SwathForSettingsReader(); }
 
 // ---------------------------------------------------------------- the three lists
 
+// Short name for the rows below.
 ProgramSettings& S = Settings;
 
 // EM61-MK2, EM31-MK2, EM38, EM34-3, EM38-MK2.
@@ -470,7 +471,7 @@ void ReadRow(const SettingsRow& row, ByteSource& source, char* line) {
   if (row.After) row.After();
 }
 
-bool IsOneOf(const char* text, const char* expected) { return strcmp(text, expected) == 0; }
+bool SameText(const char* text, const char* expected) { return strcmp(text, expected) == 0; }
 
 }  // namespace
 
@@ -504,7 +505,7 @@ int SettingsActionFor(int mode, int filePresent, const char* firstLine) {
   if (mode == SETTINGS_SAVE || !filePresent) return SETTINGS_ACTION_WRITE;
   char expected[SETTINGS_LINE_CAPACITY];
   SettingsVersionLine(expected, sizeof expected);
-  if (IsOneOf(firstLine, expected) && mode != SETTINGS_RESET) return SETTINGS_ACTION_READ;
+  if (SameText(firstLine, expected) && mode != SETTINGS_RESET) return SETTINGS_ACTION_READ;
   return mode == SETTINGS_RESET ? SETTINGS_ACTION_DELETE : SETTINGS_ACTION_DELETE_WRITE;
 }
 

@@ -50,7 +50,7 @@ void SwathEm61Mk2(double handHeld) {
 void SwathEm61Lx2(double base) { SwathEm61FromBase(TwoSensors() ? 2.0 * base : base); }
 
 void GradSwathDerived() {
-  GpsLink.SwathBar = (Settings.MapSwathIndex + 1) * 0.25;
+  GpsLink.SwathBar = (Settings.MapSwathIndex + 1.0) * 0.25;
   if (TwoSensors()) {
     const double width = 2.0 * Settings.SensorSeparation;
     SplitWidth(width, width * 0.5);
