@@ -12,6 +12,7 @@
 #include "core/ticks.h"
 #include "core/variant.h"
 #include "gps/coordinates.h"
+#include "gps/gps_monitor_win.h"
 #include "session/session_win.h"
 
 namespace {
@@ -138,6 +139,7 @@ void ResetToDefault(HWND frame) {
 void PressMainButton(HWND frame, int index) {
   switch (index) {
     case 0: StartSession(); break;
+    case 5: OpenGpsMonitor(); break;
     case 8: ResetToDefault(frame); break;
     case 9: SendMessageW(frame, WM_CLOSE, 0, 0); break;
     default: break;  // the setup dialogs and the GPS monitor open here
