@@ -21,5 +21,8 @@ INT_PTR ShowMessage(HWND owner, const wchar_t* templateName, const wchar_t* titl
                     const wchar_t* text) {
   lstrcpynW(Messages.MessageTitle, title, 256);
   lstrcpynW(Messages.MessageText, text, 256);
-  return DialogBoxParamW(Windows.Instance, templateName, owner, MessageDialogProc, 0);
+  INT_PTR result = DialogBoxParamW(Windows.Instance, templateName, owner, MessageDialogProc, 0);
+  // The next key belongs to the screen that asked, not to the frame.
+  if (owner) SetFocus(owner);
+  return result;
 }

@@ -6,6 +6,7 @@
 
 #include "core/numeric.h"
 #include "datafile/records.h"
+#include "gps/reading_bucket.h"
 #include "map/map_surface.h"
 
 LiveMapRecord LiveMap;
@@ -372,6 +373,7 @@ void ResetLiveMapForLogging() {
   LiveMap.SegmentState = 0;
   LiveMap.HistoryCount = 0;
   LiveMap.PathTotal = 0.0;
+  ClearReadingBucketCounts();
 }
 
 void UpdateLiveMap(HandleWord window, int state, double y, double x, double distance) {

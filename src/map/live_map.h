@@ -47,7 +47,8 @@ extern LiveMapCallPointsRecord LiveMapCallPoints;
 void ResetLiveMap();
 // Session start: the method follows the sign of GpsOffsetYEffective.
 void FixFootprintMethod();
-// Each start of logging, a resume included: the footprint starts afresh.
+// Each start of logging, a resume included: the footprint and the reading
+// lists start afresh.
 void ResetLiveMapForLogging();
 
 // y northing, x easting, distance from the previous position, all map units.

@@ -9,6 +9,8 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "core/variant.h"
+#include "gps/nmea_receiver.h"
+#include "gps/position_pipeline_win.h"
 #include "map/map_canvas_win.h"
 #include "map/map_surface.h"
 #include "session/session_win.h"
@@ -125,6 +127,7 @@ const MessageRow LoggingScreenMessages[] = {
     {WM_COMMAND, LoggingCommandOrKey}, {WM_KEYDOWN, LoggingCommandOrKey},
     {WM_KEY_SHARED, LoggingCommandOrKey}, {WM_KEYUP, LoggingKeyUp},
     {WM_PAINT, OnPaint},               {WM_TIMER, LoggingTimer},
+    {WM_GPS_POSITION, HandleGpsPosition}, {WM_GPS_GSA, HandleGpsGsa},
 };
 
 }  // namespace

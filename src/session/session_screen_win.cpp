@@ -13,6 +13,7 @@
 #include "core/text.h"
 #include "core/ticks.h"
 #include "core/variant.h"
+#include "datafile/create_data_file_win.h"
 #include "datafile/records.h"
 #include "gps/position_pipeline.h"
 #include "map/live_map.h"
@@ -23,10 +24,11 @@
 #include "map/map_canvas.h"
 #include "session/commands.h"
 #include "session/logging_screen_win.h"
+#include "session/session_dialogs_win.h"
+#include "session/session_menu_win.h"
 #include "session/session_state.h"
 #include "session/session_win.h"
 
-SessionDialogsRecord SessionDialogs;
 SessionMenuRecord SessionMenu;
 
 namespace {
@@ -149,17 +151,6 @@ void EnableReviewRow(int enabled) {
   }
 }
 
-// The data file is closed and opened again, so that all written so far is
-// safe on disk.
-void ReopenDataFile() {
-  if (DataFileState.DataFile == NO_HANDLE) return;
-  CloseHandle((HANDLE)DataFileState.DataFile);
-  HANDLE file = CreateFileW(DataFileState.DataFilePath, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
-                            FILE_ATTRIBUTE_NORMAL, nullptr);
-  DataFileState.DataFile = (file == INVALID_HANDLE_VALUE) ? NO_HANDLE : (HandleWord)file;
-  if (file != INVALID_HANDLE_VALUE) SetFilePointer(file, 0, nullptr, FILE_END);
-}
-
 void ShowStandBySet() {
   ShowSet(LoggingWindows.MonitoringSet, 0);
   ShowWindow(LoggingWindows.Pause, SW_HIDE);
@@ -170,7 +161,7 @@ void ShowStandBySet() {
 // "&File" in Monitoring: a new data file brings Stand By.
 void FileCommand() {
   Session.ProcessingEnabled = 0;
-  int result = SessionDialogs.CreateDataFile ? SessionDialogs.CreateDataFile(Windows.ScreenLog) : -1;
+  int result = CreateDataFile(Windows.ScreenLog);
   if (result == 1) {
     // Continuing an own file comes with the append; until then it is refused
     // and nothing is written to it.
@@ -235,7 +226,7 @@ void PauseCommand() {
   ShowPauseHint(SESSION_STANDBY);
   Session.ProcessingEnabled = 0;
   WriteMarkerRecord(Session.MapTooSmall == 1 ? L"PAUSED BMP" : L"PAUSED", 'X');
-  ReopenDataFile();
+  ReopenDataFileAtEnd();
   ShowChannelButtons(1);
   Link.ReaderCount = 0;
   Link.ReadingsPerMessage = 1;
@@ -284,7 +275,7 @@ void QuickLineCommand() {
 
 void NewLineCommand() {
   if (!NeedsInstrument()) return;
-  if (!SessionDialogs.RunNewLine || SessionDialogs.RunNewLine(Windows.ScreenLog) != 1) return;
+  if (RunNewLineDialog(Windows.ScreenLog) != 1) return;
   WriteLineHeader();
   WriteTimeRecord();
   Session.LineCount += 1;
@@ -296,18 +287,17 @@ void NewLineCommand() {
 
 void NewStationCommand() {
   if (!NeedsInstrument()) return;
-  if (SessionDialogs.RunNewStation) SessionDialogs.RunNewStation(Windows.ScreenLog);
+  RunNewStationDialog(Windows.ScreenLog);
   RepaintLoggingScreen();
 }
 
 void CommentCommand() {
   if (DataFileState.DataFile == NO_HANDLE) return;
-  if (SessionDialogs.RunComment) SessionDialogs.RunComment(Windows.ScreenLog);
+  RunCommentDialog(Windows.ScreenLog);
 }
 
 void MenuCommand() {
-  if (!SessionDialogs.LoadMenu) return;
-  HMENU menu = SessionDialogs.LoadMenu(Session.SessionState);
+  HMENU menu = LoadSessionMenu(Session.SessionState);
   if (!menu) return;
   SessionMenu.Menu = menu;
   SessionMenu.Popup = GetSubMenu(menu, 0);

@@ -2,23 +2,12 @@
 #pragma once
 #include <windows.h>
 
-// What the logging session opens: the data file's creation, the dialogs of
-// new lines, stations and comments, and the popup menu of the screen.
-struct SessionDialogsRecord {
-  int (*CreateDataFile)(HWND owner) = nullptr;   // 0 new, 1 existing own file, -1 none or foreign
-  int (*RunNewLine)(HWND owner) = nullptr;       // 1 on OK
-  int (*RunNewStation)(HWND owner) = nullptr;
-  int (*RunComment)(HWND owner) = nullptr;
-  HMENU (*LoadMenu)(int sessionState) = nullptr;
-};
-
 // The popup menu while it is open: its accelerators L, R and D apply then.
 struct SessionMenuRecord {
   HMENU Menu = nullptr;
   HMENU Popup = nullptr;
 };
 
-extern SessionDialogsRecord SessionDialogs;
 extern SessionMenuRecord SessionMenu;
 
 // "&Logging" on the main menu: checks, ports, threads, then the logging screen.
