@@ -105,7 +105,7 @@ def check_survey_file(checks, program, data, sent, option_key, walked_seconds, c
     blank_n = (not program.startswith("Kelvo")) and program in ("Lum31", "Lum38", "Lum34-3")
     expected_n = " " if blank_n else ("1" if instrument else "0")
     checks.equal(first[21], expected_n, what + "the instrument count N in record 1")
-    tags = "".join(chr(r[0]) for r in recs[:12])
+    tags = "".join(chr(r[0]) for r in recs[:24])
     mapping = program.startswith("Kelvo")
     header = "HGGG" if mapping else "HG"
     checks.check(tags[1:1 + len(header)] == header, what + "header records %s (got %s)" % (header, tags))
