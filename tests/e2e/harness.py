@@ -232,6 +232,19 @@ class Sandbox:
             time.sleep(0.05)
         raise RuntimeError("no window titled %r within %ss" % (title, timeout))
 
+    def wait_control(self, control_id, text=None, timeout=30):
+        """True once a visible child control with this id (and text) exists.
+        A program's X window shows before its create step has made the
+        controls, so keys are pressed only after this."""
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            for row in self.windows():
+                if row["depth"] > 0 and row["id"] == control_id and row["visible"] and \
+                        (text is None or row["text"] == text):
+                    return True
+            time.sleep(0.3)
+        return False
+
     def window_gone(self, title, timeout=20):
         deadline = time.time() + timeout
         while time.time() < deadline:

@@ -33,6 +33,7 @@ def main():
             program = box.start(name)
             window = box.wait_window(name)
             checks.check(bool(window), "%s starts with its name as title" % name)
+            box.wait_control(420, "&Logging")
             if index == 0:
                 entries = sorted(os.listdir(ostrel)) if os.path.isdir(ostrel) else None
                 checks.equal(entries, ["Temp"], "the first start makes only the Temp folder")
@@ -56,6 +57,7 @@ def main():
         with harness.Sandbox("startup-%dx%d" % screen, screen=screen) as box:
             program = box.start("Kelvo31")
             window = box.wait_window("Kelvo31")
+            box.wait_control(420, "&Logging")
             rect = box.geometry(window)
             checks.check(rect in accepted, "screen %dx%d gives window %s (accepted %s)"
                          % (screen[0], screen[1], rect, accepted))
