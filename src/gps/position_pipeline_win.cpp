@@ -3,6 +3,9 @@
 // at the position limit. What to draw comes from the pipeline's core.
 #include "gps/position_pipeline_win.h"
 
+#include "core/text.h"
+#include "session/session_state.h"
+
 #include <mmsystem.h>
 
 #include "core/platform_win.h"
@@ -123,6 +126,17 @@ void EndAtPositionLimit() {
   ExitProcess(0);
 }
 
+// "Tot. Time:" runs on with each position while Logging, also without an
+// instrument whose readings would move it.
+void DrawTotalTime(HDC dc) {
+  UpdateSessionClocks();
+  const unsigned long ms = Session.TotalTimeMs;
+  char text[32];
+  FormatNarrow(text, sizeof text, "%02d:%02d:%02d", (int)(ms / 3600000UL), (int)(ms / 60000UL % 60UL),
+               (int)(ms / 1000UL % 60UL));
+  DrawGpsFieldText(dc, ToRect(LoggingLayout.TotalTime.Value), text, 0);
+}
+
 }  // namespace
 
 LRESULT HandleGpsPosition(HWND, UINT, WPARAM, LPARAM) {
@@ -143,6 +157,7 @@ LRESULT HandleGpsPosition(HWND, UINT, WPARAM, LPARAM) {
   if (panel.Dc && out.SpeedShown) DrawSpeed(panel.Dc, out);
   if (panel.Dc && out.CounterShown)
     DrawGpsFieldText(panel.Dc, ToRect(LoggingLayout.Positions.Value), out.CounterText, 0);
+  if (panel.Dc && Session.SessionState == SESSION_LOGGING) DrawTotalTime(panel.Dc);
   ClosePanelDc(panel);
 
   if (out.LimitReached) EndAtPositionLimit();
