@@ -6,35 +6,21 @@
 
 namespace {
 
-INT_PTR CALLBACK CommentDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
-  switch (message) {
-    case WM_INITDIALOG:
-      CentreDialogOnOwner(dialog);
-      SendDlgItemMessageW(dialog, IDC_COMMENT_TEXT, EM_LIMITTEXT, COMMENT_CHARS, 0);
-      SetDlgItemTextW(dialog, IDC_COMMENT_TEXT, L"");
-      SetFocus(GetDlgItem(dialog, IDC_COMMENT_TEXT));
-      return FALSE;
-    case WM_COMMAND:
-      if (LOWORD(wParam) == IDOK) {
-        wchar_t text[COMMENT_CHARS + 1] = {};
-        GetDlgItemTextW(dialog, IDC_COMMENT_TEXT, text, COMMENT_CHARS + 1);
-        TakeComment(text);
-        EndDialog(dialog, 1);
-        return TRUE;
-      }
-      if (LOWORD(wParam) == IDCANCEL) {
-        EndDialog(dialog, 0);
-        return TRUE;
-      }
-      break;
-  }
-  return FALSE;
+void OpenComment(HWND dialog) {
+  SendDlgItemMessageW(dialog, IDC_COMMENT_TEXT, EM_LIMITTEXT, COMMENT_CHARS, 0);
+  SetDlgItemTextW(dialog, IDC_COMMENT_TEXT, L"");
+  SetFocus(GetDlgItem(dialog, IDC_COMMENT_TEXT));
+}
+
+void AcceptComment(HWND dialog) {
+  wchar_t text[COMMENT_CHARS + 1] = {};
+  GetDlgItemTextW(dialog, IDC_COMMENT_TEXT, text, COMMENT_CHARS + 1);
+  TakeComment(text);
 }
 
 }  // namespace
 
 int RunCommentDialog(HWND owner) {
-  const INT_PTR result = DialogBoxParamW(Windows.Instance, L"COMMENT", owner, CommentDialogProc, 0);
-  ReturnFocus(owner);
-  return result == 1 ? 1 : 0;
+  static const OkCancelDialog form = {L"COMMENT", OpenComment, AcceptComment};
+  return RunOkCancelDialog(owner, form);
 }

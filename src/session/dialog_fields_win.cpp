@@ -1,4 +1,5 @@
 // Placement and number fields shared by the logging screen's dialogs.
+#include "core/platform_win.h"
 #include "core/text.h"
 #include "session/session_dialogs_win.h"
 
@@ -35,4 +36,36 @@ double DialogNumber(HWND dialog, int id) {
   char text[64];
   NarrowText(wide, text, sizeof text);
   return AsciiToDouble(text);
+}
+
+namespace {
+
+INT_PTR CALLBACK OkCancelDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_INITDIALOG) {
+    SetWindowLongPtrW(dialog, DWLP_USER, lParam);
+    CentreDialogOnOwner(dialog);
+    reinterpret_cast<const OkCancelDialog*>(lParam)->Open(dialog);
+    return FALSE;   // each form sets its own focus
+  }
+  if (message != WM_COMMAND) return FALSE;
+  const auto* form = reinterpret_cast<const OkCancelDialog*>(GetWindowLongPtrW(dialog, DWLP_USER));
+  if (LOWORD(wParam) == IDOK) {
+    if (form) form->Accept(dialog);
+    EndDialog(dialog, 1);
+    return TRUE;
+  }
+  if (LOWORD(wParam) == IDCANCEL) {
+    EndDialog(dialog, 0);
+    return TRUE;
+  }
+  return FALSE;
+}
+
+}  // namespace
+
+int RunOkCancelDialog(HWND owner, const OkCancelDialog& form) {
+  const INT_PTR result =
+      DialogBoxParamW(Windows.Instance, form.Template, owner, OkCancelDialogProc, (LPARAM)&form);
+  ReturnFocus(owner);
+  return result == 1 ? 1 : 0;
 }

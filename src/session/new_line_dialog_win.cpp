@@ -28,7 +28,6 @@ int ComboChoice(HWND dialog, int id) {
 }
 
 void OpenNewLine(HWND dialog) {
-  CentreDialogOnOwner(dialog);
   const NewLineFields f = ProposeNewLineFields();
   SetDlgItemTextW(dialog, IDC_NEWLINE_CURRENT_LINE, Settings.SurveyLine);
   SetDialogNumber(dialog, IDC_NEWLINE_LAST_STATION, "%.3f", Session.CurrentStation);
@@ -57,30 +56,9 @@ void AcceptNewLine(HWND dialog) {
   LoadSettings(SETTINGS_SAVE);
 }
 
-INT_PTR CALLBACK NewLineDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
-  switch (message) {
-    case WM_INITDIALOG:
-      OpenNewLine(dialog);
-      return FALSE;   // the focus is set on "New Line:"
-    case WM_COMMAND:
-      if (LOWORD(wParam) == IDOK) {
-        AcceptNewLine(dialog);
-        EndDialog(dialog, 1);
-        return TRUE;
-      }
-      if (LOWORD(wParam) == IDCANCEL) {
-        EndDialog(dialog, 0);
-        return TRUE;
-      }
-      break;
-  }
-  return FALSE;
-}
-
 }  // namespace
 
 int RunNewLineDialog(HWND owner) {
-  const INT_PTR result = DialogBoxParamW(Windows.Instance, L"GETNEWLINE", owner, NewLineDialogProc, 0);
-  ReturnFocus(owner);
-  return result == 1 ? 1 : 0;
+  static const OkCancelDialog form = {L"GETNEWLINE", OpenNewLine, AcceptNewLine};
+  return RunOkCancelDialog(owner, form);
 }

@@ -9,6 +9,15 @@ int RunNewLineDialog(HWND owner);      // GETNEWLINE, "New Survey Line"
 int RunNewStationDialog(HWND owner);   // NEWSTATION, "New Station"
 int RunCommentDialog(HWND owner);      // COMMENT, "Enter Comment"
 
+// One modal dialog with OK and Cancel: `open` fills it (after it is centred
+// on its owner), `accept` takes its fields on OK. Returns 1 on OK, else 0.
+struct OkCancelDialog {
+  const wchar_t* Template;
+  void (*Open)(HWND dialog);
+  void (*Accept)(HWND dialog);
+};
+int RunOkCancelDialog(HWND owner, const OkCancelDialog& form);
+
 // Places a dialog in the middle of its owner (of the screen when it has none).
 void CentreDialogOnOwner(HWND dialog);
 
