@@ -121,6 +121,7 @@ void DrawLostConnection(int left, int top, int right) {
   RECT back = {left, top, right, top + 5 + 3 * line + 5};
   HBRUSH brush = LinkPanels.PanelBrush ? LinkPanels.PanelBrush : (HBRUSH)GetStockObject(WHITE_BRUSH);
   FillRect(dc, &back, brush);
+  LinkPanels.Drawn = back;
   const int oldMode = SetBkMode(dc, TRANSPARENT);
   const int middle = (left + right) / 2;
   DrawTextAt(dc, middle, top + 5, L"Lost", TA_CENTER | TA_TOP);

@@ -9,6 +9,7 @@ struct LinkPanelsRecord {
   RECT NumbersPanel = {};
   HBRUSH PanelBrush = nullptr;   // background of the instrument's panel
   HWND MapWnd = nullptr;         // framed and invalidated after the panel
+  RECT Drawn = {};               // where the last panel stands until a reading wipes it
 };
 
 extern LinkPanelsRecord LinkPanels;

@@ -11,6 +11,7 @@
 #include "core/variant.h"
 #include "gps/nmea_receiver.h"
 #include "gps/position_pipeline_win.h"
+#include "instruments/em_frame_reader.h"
 #include "map/map_canvas_win.h"
 #include "map/map_surface.h"
 #include "session/session_win.h"
@@ -128,6 +129,8 @@ const MessageRow LoggingScreenMessages[] = {
     {WM_KEY_SHARED, LoggingCommandOrKey}, {WM_KEYUP, LoggingKeyUp},
     {WM_PAINT, OnPaint},               {WM_TIMER, LoggingTimer},
     {WM_GPS_POSITION, HandleGpsPosition}, {WM_GPS_GSA, HandleGpsGsa},
+    {WM_READING_EM31, LoggingEmReading},  {WM_READING_EM38, LoggingEmReading},
+    {WM_READING_EM34, LoggingEmReading},
 };
 
 }  // namespace

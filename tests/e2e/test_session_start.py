@@ -110,6 +110,27 @@ def start_simulator(box, gps_peer=None, instrument_peer=None, model="em31", extr
     return box.spawn(argv, stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
+def dark_pixels(png, rect):
+    """Pixels of text (dark) inside rect = (left, top, right, bottom) of a screenshot."""
+    import subprocess
+    l, t, r, b = rect
+    ppm = subprocess.run(["convert", png, "-crop", "%dx%d+%d+%d" % (r - l, b - t, l, t), "+repage", "ppm:-"],
+                         capture_output=True, check=True).stdout
+    pixels = ppm.split(b"\n", 3)[3]
+    return sum(1 for i in range(0, len(pixels) - 2, 3) if max(pixels[i], pixels[i + 1], pixels[i + 2]) < 80)
+
+
+def bar_area(box):
+    """The top of the bar windows, where the lost-connection notice stands."""
+    rects = [row["rect"] for row in box.windows() if row["id"] in (620, 630) and row["visible"]]
+    if not rects:
+        return None
+    left = min(r[0] for r in rects) + 2
+    right = max(r[2] for r in rects) - 2
+    top = min(r[1] for r in rects) + 2
+    return (left, top, right, top + 50)
+
+
 def reaches_logging_screen(box, checks, program, window, how):
     if how == "key":
         box.key(window, "l")
@@ -139,13 +160,20 @@ def main():
         box.screenshot("session-kelvo31-main-menu")
         if reaches_logging_screen(box, checks, "Kelvo31", window, "key"):
             time.sleep(3)
-            box.screenshot("session-kelvo31-logging-landscape")
+            area = bar_area(box)
+            shot = box.screenshot("session-kelvo31-logging-landscape")
+            before = dark_pixels(shot, area) if area else -1
             sim.stdin.write(b"quiet instrument 4\n")
             sim.stdin.flush()
             time.sleep(2.5)
-            box.screenshot("session-kelvo31-lost-connection")
+            shot = box.screenshot("session-kelvo31-lost-connection")
+            during = dark_pixels(shot, area) if area else -1
             time.sleep(4)
-            box.screenshot("session-kelvo31-link-back")
+            shot = box.screenshot("session-kelvo31-link-back")
+            after = dark_pixels(shot, area) if area else -1
+            checks.check(during > before + 50, "a silent instrument shows the lost-connection notice (%d -> %d dark pixels)"
+                         % (before, during))
+            checks.check(after < before + 20, "the notice goes when frames return (%d dark pixels)" % after)
             back_to_menu(box, checks, "Kelvo31", window)
         if reaches_logging_screen(box, checks, "Kelvo31", window, "button"):
             back_to_menu(box, checks, "Kelvo31", window)
@@ -158,6 +186,22 @@ def main():
         checks.check(control_visible(box, 420, "&Logging"), "the monitor's \"E&xit\" returns to the main menu")
         box.key(window, "x")
         checks.equal(program.wait(30), 0, "Kelvo31 ends with exit code 0 after two sessions")
+
+    # Menu and logging screen in portrait, one mapping and one navigation program.
+    for program_name in ("Kelvo31", "Lum31"):
+        with harness.Sandbox("session-portrait-" + program_name, screen=(800, 1280)) as box:
+            session_screen = program_name.lower()
+            first_start(box, program_name)
+            gps = box.serial_pair(GPS_COM)
+            instrument = box.serial_pair(INSTRUMENT_COM)
+            start_simulator(box, gps, instrument, "em31")
+            program, window = start_program(box, program_name)
+            box.screenshot("session-%s-main-menu-portrait" % session_screen)
+            if reaches_logging_screen(box, checks, program_name + " (portrait)", window, "key"):
+                time.sleep(4)
+                box.screenshot("session-%s-logging-portrait" % session_screen)
+                back_to_menu(box, checks, program_name, window)
+            program.stop()
 
     # The refusals, each with its own title and text.
     with harness.Sandbox("session-refusals") as box:
@@ -238,7 +282,8 @@ def main():
             sim = start_simulator(box, gps)
             program, window = start_program(box, program_name)
             if reaches_logging_screen(box, checks, program_name + " (GPS only)", window, "key"):
-                if program_name in ("Lum31", "Kelvo38MK2"):
+                if program_name in ("Lum31", "Kelvo38MK2", "Lum601"):
+                    time.sleep(3)
                     box.screenshot("session-%s-gps-only" % program_name)
                 back_to_menu(box, checks, program_name, window)
             box.key(window, "x")
