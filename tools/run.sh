@@ -67,8 +67,15 @@ if [ -z "${DISPLAY:-}" ]; then
   wine "build/windows/bin/$program.exe" &
   pids+=($!)
   sleep 8
+  import -window root "$state/screenshot-menu.png"
+  # Start a session, so that the screenshot shows the live data.
+  window=$(xdotool search --name "^$program\$" | head -n 1)
+  if [ -n "$window" ]; then
+    xdotool windowfocus --sync "$window" key l || true
+    sleep 8
+  fi
   import -window root "$state/screenshot.png"
-  echo "The program runs on a virtual display; screenshot: $state/screenshot.png"
+  echo "The program runs on a virtual display; screenshots: $state/screenshot-menu.png, $state/screenshot.png"
   echo "Press Enter to stop it."
   read -r _ || sleep 20
 else
