@@ -201,7 +201,7 @@ def wait_first_fix(box, timeout=40):
 
 
 def survey(checks, program, option=0, key="GGA", sim_option=None, walk=20, instrument=False, extra=()):
-    name = "%s-%d" % (program.replace("-", ""), option)
+    name = "%s-%d%s" % (program.replace("-", ""), option, "-instrument" if instrument else "")
     with harness.Sandbox("survey-" + name) as box:
         path = session.first_start(box, program)
         instrument_line, option_line = LINES.get(program, DEFAULT_LINES)
