@@ -57,3 +57,6 @@
 
 // COMMENT, "Enter Comment".
 #define IDC_COMMENT_TEXT 1321
+
+// The GPS monitor's command dialog.
+#define IDC_GPS_COMMAND_TEXT 1330

@@ -10,6 +10,8 @@
 #include "core/ticks.h"
 #include "gps/gps_monitor.h"
 #include "instruments/serial_ports_win.h"
+#include "resource_ids.h"
+#include "session/session_dialogs_win.h"
 
 namespace {
 
@@ -100,11 +102,24 @@ void PauseCommand() {
   ShowRunning(0);
 }
 
+// The command's text, kept between uses of the dialog.
+wchar_t CommandText[100] = L"";
+
+void OpenCommand(HWND dialog) {
+  SetDlgItemTextW(dialog, IDC_GPS_COMMAND_TEXT, CommandText);
+  HWND edit = GetDlgItem(dialog, IDC_GPS_COMMAND_TEXT);
+  SetFocus(edit);
+  SendMessageW(edit, EM_SETSEL, 0, -1);
+}
+
+void AcceptCommand(HWND dialog) { GetDlgItemTextW(dialog, IDC_GPS_COMMAND_TEXT, CommandText, 100); }
+
 void SendCommand() {
-  wchar_t typed[100];
-  GetWindowTextW(Monitor.Edit, typed, 100);
+  GetWindowTextW(Monitor.Edit, CommandText, 100);
+  static const OkCancelDialog form = {L"GETGPSMESSAGE", OpenCommand, AcceptCommand};
+  if (RunOkCancelDialog(Windows.MonitorGps, form) != 1) return;
   char narrow[100];
-  NarrowText(typed, narrow, 100);
+  NarrowText(CommandText, narrow, 100);
   char command[MONITOR_COMMAND_BYTES];
   int length = GpsMonitorCommand(narrow, command, sizeof command);
   if (!GpsMonitor.Paused) {

@@ -85,6 +85,18 @@ def wait_dialog(box, title, timeout=20):
     return None
 
 
+def wait_title(box, title, timeout=20):
+    deadline = time.time() + timeout
+    while time.time() < deadline:
+        found = box.xdotool(["search", "--name", "^%s$" % title], check=False).split()
+        if found:
+            box.xdotool(["windowfocus", "--sync", found[0]], check=False)
+            time.sleep(0.3)
+            return True
+        time.sleep(0.3)
+    return False
+
+
 def control_visible(box, control_id, text=None, timeout=20):
     deadline = time.time() + timeout
     while time.time() < deadline:
@@ -155,7 +167,8 @@ def main():
         checks.check(os.path.exists(path), "first start wrote the settings file")
         gps = box.serial_pair(GPS_COM)
         instrument = box.serial_pair(INSTRUMENT_COM)
-        sim = start_simulator(box, gps, instrument, "em31")
+        sent_log = os.path.join(box.prefix, "sent.log")
+        sim = start_simulator(box, gps, instrument, "em31", extra=["--log", sent_log])
         program, window = start_program(box, "Kelvo31")
         box.screenshot("session-kelvo31-main-menu")
         if reaches_logging_screen(box, checks, "Kelvo31", window, "key"):
@@ -182,6 +195,13 @@ def main():
         checks.check(control_visible(box, 780), "\"GPS M&onitoring\" opens the GPS monitor")
         time.sleep(2)
         box.screenshot("session-kelvo31-gps-monitor")
+        # "&Send" asks for the command and writes it to the receiver with CR LF.
+        box.key(window, "s")
+        checks.check(wait_title(box, "GetGPSMessage"), "\"&Send\" opens the command dialog")
+        box.xdotool(["key", "Return"])
+        time.sleep(1.5)
+        came_back = open(sent_log, "rb").read() if os.path.exists(sent_log) else b""
+        checks.check(b"$PASHS,NME,SAT,A,ON\\r\\n" in came_back, "the command reached the receiver")
         box.key(window, "x")
         checks.check(control_visible(box, 420, "&Logging"), "the monitor's \"E&xit\" returns to the main menu")
         box.key(window, "x")
