@@ -14,6 +14,7 @@
 #include "core/variant.h"
 #include "gps/gps_fields_win.h"
 #include "gps/position_pipeline.h"
+#include "instruments/link_supervision.h"
 #include "map/speed_bar_win.h"
 #include "session/logging_layout.h"
 #include "session/logging_screen_win.h"
@@ -22,14 +23,7 @@
 namespace {
 
 constexpr DWORD WARNING_SOUND_FLAGS = SND_RESOURCE | SND_ASYNC | SND_NOSTOP;   // 262165
-constexpr UINT_PTR SESSION_TIMER = 1;
 const COLORREF FieldTextColour = RGB(0, 0, 255);
-
-RECT ToRect(const PixelRect& r) { return RECT{r.X, r.Y, r.Right(), r.Bottom()}; }
-
-RECT IndicatorBox(const PixelCircle& c) {
-  return RECT{c.X - c.Radius, c.Y - c.Radius, c.X + c.Radius + 1, c.Y + c.Radius + 1};
-}
 
 GpsFieldRects FieldRects() {
   const LoggingLayoutRecord& L = LoggingLayout;
@@ -71,7 +65,7 @@ void ClosePanelDc(PanelDc& p) {
 }
 
 void DrawIndicatorCircle(HDC dc, const PixelCircle& circle, HBRUSH fill) {
-  const RECT box = IndicatorBox(circle);
+  const RECT box = CircleBox(circle);
   FillRect(dc, &box, Tools.BrushButtonFace);
   HGDIOBJ oldBrush = SelectObject(dc, fill);
   HGDIOBJ oldPen = SelectObject(dc, Tools.PenBlack);
@@ -115,7 +109,7 @@ void DrawSpeed(HDC dc, const PositionOutcome& out) {
 void EndAtPositionLimit() {
   if (GpsLink.GpsThread != NO_HANDLE) SuspendThread((HANDLE)GpsLink.GpsThread);
   if (Settings.InstrumentEnabled > 0) {
-    KillTimer(Windows.ScreenLog, SESSION_TIMER);
+    KillTimer(Windows.ScreenLog, SESSION_TIMER_ID);
     if (Link.InstrumentThread != NO_HANDLE) SuspendThread((HANDLE)Link.InstrumentThread);
   }
   StopAtPositionLimit();

@@ -6,6 +6,7 @@
 #include "core/variant.h"
 #include "map/colour_scale.h"
 #include "session/logging_screen_win.h"
+#include "session/session_state.h"
 
 void PaintLoggingScreen(HDC dc);
 
@@ -105,13 +106,9 @@ void PaintColourLegend(HDC dc) {
 
 // 8. The state of the session.
 void PaintStatusLine(HDC dc) {
-  const int state = Session.SessionState;
-  const char* name = state == SESSION_LOGGING ? "Logging" : state == SESSION_STANDBY ? "Stand By" : "Monitoring";
-  if (state == SESSION_LEFT) return;
-  static const char* const modes[] = {"Auto", "Wheel", "Manual"};
-  int mode = Session.SurveyModeCurrent;
   char text[64];
-  FormatNarrow(text, sizeof text, "%s (%s)", name, mode >= 0 && mode <= 2 ? modes[mode] : "Auto");
+  FormatStatusLine(Session.SessionState, Session.SurveyModeCurrent, text, sizeof text);
+  if (text[0] == 0) return;
   SetTextColor(dc, LabelColour);
   Text(dc, LoggingLayout.StatusLine.X, LoggingLayout.StatusLine.Y, text);
 }

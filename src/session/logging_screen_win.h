@@ -22,6 +22,13 @@ struct LoggingWindowsRecord {
 
 extern LoggingWindowsRecord LoggingWindows;
 
+// A place of the layout as the drawing calls take it.
+inline RECT ToRect(const PixelRect& r) { return RECT{r.X, r.Y, r.Right(), r.Bottom()}; }
+// The box of a circle of the layout (the GPS indicators).
+inline RECT CircleBox(const PixelCircle& c) {
+  return RECT{c.X - c.Radius, c.Y - c.Radius, c.X + c.Radius + 1, c.Y + c.Radius + 1};
+}
+
 // Width of a text in the panel font (bold 1: FontTextBold), as the placers want it.
 int MeasurePanelText(const char* text, int bold);
 

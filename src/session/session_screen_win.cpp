@@ -19,6 +19,7 @@
 #include "map/live_map.h"
 #include "map/scale_ticks.h"
 #include "gps/gps_reader_win.h"
+#include "instruments/link_supervision.h"
 #include "instruments/link_supervision_win.h"
 #include "instruments/serial_ports_win.h"
 #include "map/map_canvas.h"
@@ -33,8 +34,6 @@ SessionMenuRecord SessionMenu;
 
 namespace {
 
-constexpr UINT_PTR SESSION_TIMER = 1;
-
 void EnableSetButtons(int enabled) {
   // "&File" or "&Go", "Map &Size"/"N&ull" or "&QLine", and "&Menu"; "E&xit" stays.
   for (int index : {0, 1, 3}) {
@@ -43,13 +42,12 @@ void EnableSetButtons(int enabled) {
   }
 }
 
-int RadiosOfModel() {
-  switch (InstrumentModel) {
-    case EM61LX2: return Settings.SensorCount == 1 ? 6 : 3;
-    case EM61MK2:
-    case EM38MK2: return 4;
-    default: return LoggingLayout.RadioCount + LoggingLayout.SecondRadioCount;
-  }
+// The radio slots the layout uses: the first sensor's from slot 0, the second
+// LX2 sensor's from its own slot.
+bool RadioSlotUsed(int slot) {
+  const LoggingLayoutRecord& L = LoggingLayout;
+  if (slot < L.RadioCount) return true;
+  return slot >= SECOND_SENSOR_RADIO_SLOT && slot < SECOND_SENSOR_RADIO_SLOT + L.SecondRadioCount;
 }
 
 void ShowSet(HWND (&set)[SET_BUTTON_COUNT], int show) {
@@ -72,7 +70,7 @@ int ExitLogging(int withoutQuestion) {
       return 0;
     }
   }
-  if (Settings.InstrumentEnabled > 0) KillTimer(Windows.ScreenLog, SESSION_TIMER);
+  if (Settings.InstrumentEnabled > 0) KillTimer(Windows.ScreenLog, SESSION_TIMER_ID);
   StopLinks();
   if (DataFileState.DataFile != NO_HANDLE) {
     CloseHandle((HANDLE)DataFileState.DataFile);
@@ -401,12 +399,6 @@ void RunCommand(int code) {
   }
 }
 
-RECT ToRect(const PixelRect& r) { return RECT{r.X, r.Y, r.Right(), r.Bottom()}; }
-
-RECT CircleBox(const PixelCircle& c) {
-  return RECT{c.X - c.Radius, c.Y - c.Radius, c.X + c.Radius + 1, c.Y + c.Radius + 1};
-}
-
 }  // namespace
 
 void ShareScreenPlaces() {
@@ -425,13 +417,11 @@ void ShareScreenPlaces() {
 }
 
 void ShowChannelButtons(int show) {
-  const int count = RadiosOfModel();
   const int visible = show && !IsNavigation() && Settings.MapDisplayMode > 0 && Settings.GpsInput != 0;
   for (int i = 0; i < CHANNEL_RADIO_SLOTS; ++i) {
     HWND radio = LoggingWindows.Radios[i];
     if (!radio) continue;
-    const bool used = (InstrumentModel == EM61LX2 && count == 6) ? (i < 3 || (i >= 4 && i < 7)) : i < count;
-    ShowWindow(radio, visible && used ? SW_SHOW : SW_HIDE);
+    ShowWindow(radio, visible && RadioSlotUsed(i) ? SW_SHOW : SW_HIDE);
     SendMessageW(radio, BM_SETCHECK, (i % 4) + 1 == Settings.MapDisplayMode ? BST_CHECKED : BST_UNCHECKED, 0);
   }
 }
@@ -520,6 +510,6 @@ LRESULT LoggingKeyUp(HWND, UINT, WPARAM wParam, LPARAM) {
 }
 
 LRESULT LoggingTimer(HWND, UINT, WPARAM wParam, LPARAM) {
-  if (wParam == SESSION_TIMER) OnSessionTimer();
+  if (wParam == SESSION_TIMER_ID) OnSessionTimer();
   return 0;
 }

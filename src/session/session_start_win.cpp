@@ -12,6 +12,7 @@
 #include "gps/nmea_format.h"
 #include "gps/position_pipeline.h"
 #include "instruments/em_frame_reader_win.h"
+#include "instruments/link_supervision.h"
 #include "instruments/serial_ports_win.h"
 #include "map/live_map.h"
 #include "map/map_canvas.h"
@@ -22,8 +23,6 @@
 #include "session/session_state.h"
 
 namespace {
-
-constexpr UINT_PTR SESSION_TIMER = 1;
 
 // Both tick stamps of the instrument link at now.
 void StampLinkTicks() {
@@ -207,7 +206,7 @@ void StartSession() {
   RecomputeColourWidth();
   StampLinkTicks();
   if (Settings.InstrumentEnabled > 0)
-    SetTimer(Windows.ScreenLog, SESSION_TIMER, Link.Em61FastLink == 1 ? Link.MonitorPeriodMs : 300, nullptr);
+    SetTimer(Windows.ScreenLog, SESSION_TIMER_ID, SessionTimerPeriod(), nullptr);
 
   // Steps 20 to 22: the main menu's buttons give way to the screen's.
   ShowMainButtons(0);

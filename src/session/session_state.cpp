@@ -1,6 +1,7 @@
 #include "session/session_state.h"
 
 #include "core/state.h"
+#include "core/text.h"
 #include "core/ticks.h"
 #include "core/variant.h"
 #include "map/colour_scale.h"
@@ -12,6 +13,19 @@ void ClearSessionClocks() {
   Session.LineTimeMs = 0;
   Session.TotalTimeAtPause = 0;
   Session.LineTimeAtPause = 0;
+}
+
+void FormatStatusLine(int sessionState, int surveyMode, char* out, int capacity) {
+  static const char* const modes[] = {"Auto", "Wheel", "Manual"};
+  const char* name = sessionState == SESSION_LOGGING   ? "Logging"
+                     : sessionState == SESSION_STANDBY ? "Stand By"
+                     : sessionState == SESSION_MONITORING ? "Monitoring"
+                                                          : nullptr;
+  if (name == nullptr) {
+    if (capacity > 0) out[0] = 0;
+    return;
+  }
+  FormatNarrow(out, capacity, "%s (%s)", name, surveyMode >= 0 && surveyMode <= 2 ? modes[surveyMode] : modes[0]);
 }
 
 void UpdateSessionClocks() {

@@ -12,6 +12,10 @@ extern SessionExtrasRecord SessionExtras;
 // The clock fields of the screen ("Tot. Time:") back to zero.
 void ClearSessionClocks();
 
+// The status line of a session state: "Monitoring (Auto)", "Stand By (Wheel)",
+// "Logging (Manual)"; empty once the screen is left.
+void FormatStatusLine(int sessionState, int surveyMode, char* out, int capacity);
+
 // Recorded time in all and on the line: the bases of the last pause plus the
 // time since the last Go, while Logging.
 void UpdateSessionClocks();

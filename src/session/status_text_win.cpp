@@ -4,6 +4,7 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "session/logging_screen_win.h"
+#include "session/session_state.h"
 #include "session/session_win.h"
 
 namespace {
@@ -23,11 +24,6 @@ void ClearAndWrite(const PixelRect& area, const char* text, HFONT font, COLORREF
   ReleaseDC(Windows.ScreenLog, dc);
 }
 
-const char* ModeName(int mode) {
-  static const char* const names[] = {"Auto", "Wheel", "Manual"};
-  return (mode >= 0 && mode <= 2) ? names[mode] : names[0];
-}
-
 }  // namespace
 
 void ShowStatusText(int kind) {
@@ -43,9 +39,9 @@ void ShowStatusText(int kind) {
     ClearAndWrite(area, text, Fonts.FontText, RGB(0, 0, 0), TA_LEFT | TA_TOP);
     return;
   }
-  static const char* const states[] = {"", "Monitoring", "Stand By", "Logging"};
+  static const int states[] = {0, SESSION_MONITORING, SESSION_STANDBY, SESSION_LOGGING};
   if (kind < 1 || kind > 3) return;
-  FormatNarrow(text, sizeof text, "%s (%s)", states[kind], ModeName(Session.SurveyModeCurrent));
+  FormatStatusLine(states[kind], Session.SurveyModeCurrent, text, sizeof text);
   ClearAndWrite(LoggingLayout.StatusLine, text, Fonts.FontText, RGB(0, 0, 0), TA_LEFT | TA_TOP);
 }
 

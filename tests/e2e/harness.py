@@ -245,6 +245,19 @@ class Sandbox:
             time.sleep(0.3)
         return False
 
+    def wait_title(self, title, timeout=20):
+        """X window id of a window with exactly this title (a dialog), focused;
+        None when none shows within `timeout` seconds."""
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            found = self.xdotool(["search", "--name", "^%s$" % _regex_escape(title)], check=False).split()
+            if found:
+                self.xdotool(["windowfocus", "--sync", found[0]], check=False)
+                time.sleep(0.3)
+                return found[0]
+            time.sleep(0.3)
+        return None
+
     def window_gone(self, title, timeout=20):
         deadline = time.time() + timeout
         while time.time() < deadline:

@@ -154,20 +154,10 @@ def check_survey_file(checks, program, data, sent, option_key, walked_seconds, c
                      label + "%d corner records for %d positions" % (len(sets), len(passed)))
 
 
-def wait_title(box, title, timeout=30):
-    deadline = time.time() + timeout
-    while time.time() < deadline:
-        found = box.xdotool(["search", "--name", "^%s$" % title], check=False).split()
-        if found:
-            return found[0]
-        time.sleep(0.3)
-    return None
-
-
 def create_file(box, window, name):
     """"&File", the name typed into the save dialog."""
     box.key(window, "f")
-    dialog = wait_title(box, "Create Data File")
+    dialog = box.wait_title("Create Data File", timeout=30)
     if dialog is None:
         return False
     time.sleep(1)
@@ -179,7 +169,7 @@ def create_file(box, window, name):
 
 
 def answer(box, title, keys=("Return",)):
-    dialog = wait_title(box, title, timeout=20)
+    dialog = box.wait_title(title, timeout=20)
     if dialog is None:
         return False
     time.sleep(0.5)
@@ -241,15 +231,15 @@ def survey(checks, program, option=0, key="GGA", sim_option=None, walk=20, instr
             box.key(window, "q")
             checks.check(answer(box, "Quick Line"), program + ": Quick Line asks for the next line")
             box.key(window, "n")
-            dialog = wait_title(box, "New Station")
+            dialog = box.wait_title("New Station")
             if checks.check(dialog is not None, program + ": New Station"):
                 box.xdotool(["windowfocus", "--sync", dialog], check=False)
                 box.xdotool(["key", "ctrl+a"])
                 box.type(dialog, "7.25")
                 box.xdotool(["key", "Return"])
         box.key(window, "c")
-        if checks.check(wait_title(box, "Enter Comment") is not None, program + ": the comment dialog"):
-            dialog = wait_title(box, "Enter Comment")
+        if checks.check(box.wait_title("Enter Comment") is not None, program + ": the comment dialog"):
+            dialog = box.wait_title("Enter Comment")
             box.type(dialog, "Field note")
             box.xdotool(["key", "Return"])
         time.sleep(1)

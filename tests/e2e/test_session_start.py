@@ -85,18 +85,6 @@ def wait_dialog(box, title, timeout=20):
     return None
 
 
-def wait_title(box, title, timeout=20):
-    deadline = time.time() + timeout
-    while time.time() < deadline:
-        found = box.xdotool(["search", "--name", "^%s$" % title], check=False).split()
-        if found:
-            box.xdotool(["windowfocus", "--sync", found[0]], check=False)
-            time.sleep(0.3)
-            return True
-        time.sleep(0.3)
-    return False
-
-
 def control_visible(box, control_id, text=None, timeout=20):
     deadline = time.time() + timeout
     while time.time() < deadline:
@@ -197,7 +185,7 @@ def main():
         box.screenshot("session-kelvo31-gps-monitor")
         # "&Send" asks for the command and writes it to the receiver with CR LF.
         box.key(window, "s")
-        checks.check(wait_title(box, "GetGPSMessage"), "\"&Send\" opens the command dialog")
+        checks.check(box.wait_title("GetGPSMessage"), "\"&Send\" opens the command dialog")
         box.xdotool(["key", "Return"])
         time.sleep(1.5)
         came_back = open(sent_log, "rb").read() if os.path.exists(sent_log) else b""
