@@ -28,7 +28,7 @@ bash tests/e2e/boot_prefix.sh "$prefix"
 export WINEPREFIX="$prefix" WINEDEBUG=-all
 
 # An installation makes the settings folder of each program.
-folder=$(python3 -c "import sys; sys.path.insert(0, 'tests/e2e'); import harness; print(dict((v[0], v[1]) for v in harness.VARIANTS)['$program'])")
+folder=$(python3 tools/variants.py folder "$program")
 mkdir -p "$prefix/drive_c/ProgramData/Ostrel/$folder"
 
 pids=()

@@ -19,22 +19,28 @@ constexpr int NAVIGATION_PRODUCT = 1;
 extern const int& InstrumentModel;
 extern const int& ProductMode;
 
-// One row of the variant table.
+// One line of the variant list (variants.def).
 struct VariantRow {
-  int Model;
-  const char* MappingName;
-  const char* MappingVersion;
-  const char* MappingExtension;
-  const char* MappingFolder;     // settings folder and file stem under C:\ProgramData\Ostrel
-  const char* NavigationName;
-  const char* NavigationVersion;
-  const char* NavigationExtension;
-  const char* NavigationFolder;
+  const char* Instrument;   // "EM31-MK2"
+  int Model;                // InstrumentModel
+  int Product;              // ProductMode
+  const char* Name;         // window title, large name, "File not from ... program"
+  const char* Version;      // "2.26"
+  const char* Extension;    // ".T31"
+  const char* Folder;       // settings folder and file stem under C:\ProgramData\Ostrel
 };
 
-const VariantRow& VariantOf(int instrumentModel);
-const char* VariantName();          // window title, large name, "File not from ... program"
-const char* VariantVersion();       // "2.26"
-const char* VariantDataExtension(); // ".T31"
-const char* VariantSettingsFolder();// "Kelvo31MK2"
+constexpr int VARIANT_COUNT = 14;
+extern const VariantRow VariantTable[VARIANT_COUNT];
+
+// The line of a model and product; the EM31-MK2 mapping program's line when
+// there is none.
+const VariantRow& VariantOf(int instrumentModel, int productMode);
+// The line of this program.
+const VariantRow& RunningVariant();
+
+const char* VariantName();
+const char* VariantVersion();
+const char* VariantDataExtension();
+const char* VariantSettingsFolder();
 bool IsNavigation();

@@ -35,15 +35,11 @@ SKIP_CODE = 77
 HERE = os.path.dirname(os.path.abspath(__file__))
 SOURCE = os.path.dirname(os.path.dirname(HERE))
 
+sys.path.insert(0, os.path.join(SOURCE, "tools"))
+import variants  # noqa: E402  (the one variant list)
+
 VARIANTS = [  # name, settings folder, InstrumentModel, ProductMode
-    ("Kelvo601", "Kelvo601", -4, 0), ("Lum601", "Lum601", -4, 1),
-    ("Kelvo61LX2", "Kelvo61LX2", -2, 0), ("Lum61LX2", "Lum61LX2", -2, 1),
-    ("Kelvo61MK2", "Kelvo61MK2", -1, 0), ("Lum61MK2", "Lum61MK2", -1, 1),
-    ("Kelvo31", "Kelvo31MK2", 0, 0), ("Lum31", "Lum31MK2", 0, 1),
-    ("Kelvo38", "Kelvo38", 3, 0), ("Lum38", "Lum38", 3, 1),
-    ("Kelvo34-3", "Kelvo34-3", 4, 0), ("Lum34-3", "Lum34-3", 4, 1),
-    ("Kelvo38MK2", "Kelvo38MK2", 7, 0), ("Lum38MK2", "Lum38MK2", 7, 1),
-]
+    (v["name"], v["folder"], v["model"], v["product"]) for v in variants.VARIANTS]
 PROGRAM_NAMES = [v[0] for v in VARIANTS]
 
 
