@@ -7,6 +7,7 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "core/variant.h"
+#include "instruments/instrument.h"
 
 namespace {
 
@@ -83,31 +84,29 @@ void DrawEm343Coils(HDC dc, const InstrumentPicture& p) {
 }
 
 void DrawInstrument(HDC dc, const InstrumentPicture& p) {
-  switch (InstrumentModel) {
-    case Grad601:
+  switch (Instrument().MainMenu.Picture) {
+    case PICTURE_SENSORS:
       DrawGradSensors(dc, p);
       break;
-    case EM61LX2:
+    case PICTURE_YELLOW_COILS:
       SelectObject(dc, Tools.PenYellow8);
       for (int i = 0; i < p.CoilCount && i < 2; ++i) Outline(dc, p.Coils[i]);
       break;
-    case EM61MK2:
+    case PICTURE_RED_COIL:
       SelectObject(dc, Tools.PenRed4);
       Outline(dc, p.Coils[0]);
       break;
-    case EM31MK2:
+    case PICTURE_BOOM:
       DrawEm31Boom(dc, p.Instrument);
       break;
-    case EM38:
+    case PICTURE_BAR:
       DrawEm38Bar(dc, p.Instrument);
       break;
-    case EM38MK2:
+    case PICTURE_BAR_MK2:
       DrawEm38Mk2Bar(dc, p.Instrument);
       break;
-    case EM343:
+    case PICTURE_END_COILS:
       DrawEm343Coils(dc, p);
-      break;
-    default:
       break;
   }
 }

@@ -8,6 +8,7 @@
 #include "core/state.h"
 #include "core/swath.h"
 #include "core/variant.h"
+#include "instruments/instrument.h"
 #include "instruments/filter_factor.h"
 #include "map/scale_ticks.h"
 
@@ -26,22 +27,23 @@ enum RowKind {
   ROW_STEP,        // no line: a side effect of the reader at this place
 };
 
-// One line of a group's file, in file order. `Models` lists the models whose
-// file holds the line (0: every model of the group). `After` runs once the line
-// has been read (for a step, in its place).
+// Rows that only some instruments' files hold.
+enum RowNeed {
+  NEED_NONE = 0,
+  NEED_SECOND_SCALE = 1,    // the second scale, component and dipole
+  NEED_NULL_VALUES = 2,     // the nulling constants
+  NEED_OFFSETS = 4,         // the six calibration offsets
+  NEED_COIL_REFERENCE = 8,  // the coil reference and the samples per reading
+};
+
+// One line of the file: how it is written and read, the instruments that have
+// it, and what the reader does once it has read it (for a step, in its place).
 struct SettingsRow {
   RowKind Kind;
   void* Field;
-  unsigned Models;
+  unsigned Need;
   void (*After)();
 };
-
-constexpr unsigned ModelBit(int model) { return 1u << (model + 4); }
-constexpr unsigned ALL_MODELS = 0;
-constexpr unsigned ONLY_EM61MK2 = ModelBit(EM61MK2);
-constexpr unsigned ONLY_EM343 = ModelBit(EM343);
-constexpr unsigned ONLY_EM38MK2 = ModelBit(EM38MK2);
-constexpr unsigned ALL_BUT_EM61MK2 = ModelBit(EM31MK2) | ModelBit(EM38) | ModelBit(EM343) | ModelBit(EM38MK2);
 
 // ---------------------------------------------------------------- side effects
 
@@ -49,8 +51,9 @@ void ForceMapDisplayMode() {
   if (Settings.InstrumentEnabled == 0 || IsNavigation()) Settings.MapDisplayMode = 0;
 }
 
+// Only the group A file's type line sets the no-current-correction flag.
 void DeriveEm61TypeNcc() {
-  if (InstrumentModel != EM61MK2) return;
+  if (Instrument().Store.Type != TYPE_EM61) return;
   Model.Em61TypeNcc = (Settings.Em61Type == 2 || Settings.Em61Type == 3) ? 1 : 0;
 }
 
@@ -65,19 +68,8 @@ void TakeSurveyMode() {
   Session.SurveyModeCurrent = Settings.SurveyMode;
 }
 
-// EM34-3 in Auto: the dipole combo names dipole and separation; in Manual it is
-// the number of readings a station takes.
-void DeriveEm34Dipole() {
-  if (InstrumentModel != EM343) return;
-  const int dipole = Settings.DipoleMode;
-  if (Settings.SurveyMode == SURVEY_AUTO) {
-    static const int separations[6] = {10, 20, 40, 10, 20, 40};
-    if (dipole < 0 || dipole > 5) return;
-    Model.Em34DipoleChar = dipole < 3 ? 'V' : 'H';
-    Model.Em34Separation = separations[dipole];
-  } else {
-    Model.ManualReadingsPerStation = TruncToInt(dipole + 1.0);
-  }
+void DeriveDipoleMode() {
+  if (Instrument().Store.AfterDipoleMode) Instrument().Store.AfterDipoleMode();
 }
 
 void DeriveSampleRate() {
@@ -124,304 +116,270 @@ void CopyFilterFactors() {
 
 void DeriveSwath() { SwathForSettingsReader(); }
 
-// ---------------------------------------------------------------- the three lists
+// ---------------------------------------------------------------- the rows
 
 // Short name for the rows below.
 ProgramSettings& S = Settings;
 
-// EM61-MK2, EM31-MK2, EM38, EM34-3, EM38-MK2.
-const SettingsRow GroupA[] = {
-    {ROW_PATH, S.DataFolder, ALL_MODELS, nullptr},
-    {ROW_PATH, S.BackgroundFolder, ALL_MODELS, nullptr},
-    {ROW_INT, &S.InstrumentEnabled, ALL_MODELS, nullptr},
-    {ROW_INT, &S.SensorSize, ALL_MODELS, nullptr},
-    {ROW_INT, &S.MapUnits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.SpeedUnits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.InstrumentPort, ALL_MODELS, nullptr},
-    {ROW_INT, &S.AudioTicks, ALL_MODELS, nullptr},
-    {ROW_INT, &S.AudioDisconnectAlarm, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsAudioWarning, ALL_MODELS, nullptr},
-    {ROW_INT, &S.PauseKey, ALL_MODELS, nullptr},
-    {ROW_INT, &S.MapDisplayMode, ALL_MODELS, ForceMapDisplayMode},
-    {ROW_MODEL_TYPE, nullptr, ALL_MODELS, DeriveEm61TypeNcc},
-    {ROW_INT, &S.ProfileLineWidth[0], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[1], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[2], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[3], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[4], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[5], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[6], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[7], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[0], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[1], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[2], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[3], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[4], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[5], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[6], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[7], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileScaleKind, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.ScaleMin, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.ScaleMax, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.Scale2Min, ALL_BUT_EM61MK2, nullptr},
-    {ROW_DOUBLE, &S.Scale2Max, ALL_BUT_EM61MK2, nullptr},
-    {ROW_STEP, nullptr, ALL_MODELS, DeriveScaleFactors},
-    {ROW_INT, &S.GpsInput, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsDataOption, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsPort, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsBaud, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsDataBits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsParity, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsStopBits, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.SpeedBarMax, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GeometryUnits, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.GpsOffsetX, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.GpsOffsetY, ALL_MODELS, TakeGpsOffsetY},
-    {ROW_INT, &S.Em34Reference, ONLY_EM343, nullptr},
-    {ROW_INT, &S.SurveyMode, ALL_MODELS, TakeSurveyMode},
-    {ROW_INT, &S.Component, ALL_BUT_EM61MK2, nullptr},
-    {ROW_INT, &S.DipoleMode, ALL_BUT_EM61MK2, DeriveEm34Dipole},
-    {ROW_INT, &S.Em34SamplesPerReading, ONLY_EM343, nullptr},
-    {ROW_INT, &S.MapSwathIndex, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.StationIncrementAuto, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.StationIncrementWheel, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.StationIncrementManual, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.SampleInterval, ALL_MODELS, DeriveSampleRate},
-    {ROW_LINE_NAME, S.SurveyLine, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.LineIncrement, ALL_MODELS, nullptr},
-    {ROW_INT, &S.LineSequence, ALL_MODELS, nullptr},
-    {ROW_INT, &S.LineDirection, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.StartStation, ALL_MODELS, TakeStationOfMode},
-    {ROW_INT, &S.CursorSize, ALL_MODELS, DeriveCursorSize},
-    {ROW_INT, &S.PositionSize, ALL_MODELS, nullptr},
-    {ROW_LONG, &S.CursorColor, ALL_MODELS, nullptr},
-    {ROW_LONG, &S.PositionColor, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.GridInterval, ALL_MODELS, nullptr},
-    {ROW_LONG, &S.MapSize, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GridType, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.LinesAngle, ALL_MODELS, nullptr},
-    {ROW_INT, &S.CursorBandIndex, ALL_MODELS, DeriveCursorBand},
-    {ROW_INT, &S.CoordinateDisplayUnits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsMaskWarning, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsMaskQuality, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsMaskSatellites, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.GpsMaskDilution, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.SpareValue, ALL_MODELS, nullptr},
-    {ROW_INT, &S.NullApply, ONLY_EM61MK2, nullptr},
-    {ROW_DOUBLE, &S.NullValue1, ONLY_EM61MK2, nullptr},
-    {ROW_DOUBLE, &S.NullValue2, ONLY_EM61MK2, nullptr},
-    {ROW_DOUBLE, &S.NullValue3, ONLY_EM61MK2, nullptr},
-    {ROW_DOUBLE, &S.NullValue4, ONLY_EM61MK2, nullptr},
-    {ROW_DOUBLE, &S.Mk2CalA, ONLY_EM38MK2, nullptr},
-    {ROW_DOUBLE, &S.Mk2CalB, ONLY_EM38MK2, nullptr},
-    {ROW_DOUBLE, &S.Mk2CalC, ONLY_EM38MK2, nullptr},
-    {ROW_DOUBLE, &S.Mk2CalD, ONLY_EM38MK2, nullptr},
-    {ROW_DOUBLE, &S.Mk2CalE, ONLY_EM38MK2, nullptr},
-    {ROW_DOUBLE, &S.Mk2CalF, ONLY_EM38MK2, nullptr},
-    {ROW_INT, &S.BgFileKind, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgDrawStyle, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgCoordinates, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgColumnX, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgColumnY, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgColumnLabel, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgHeaderRows, ALL_MODELS, nullptr},
-    {ROW_INT, &S.PseudoGgaSlam, ALL_MODELS, nullptr},
-    {ROW_INT, &S.RtsUnits, ALL_MODELS, nullptr},
-    {ROW_STEP, nullptr, ALL_MODELS, DeriveSwath},
+// Every line any settings file holds, once; the groups below list them in
+// their file order.
+enum SettingId {
+  DATA_FOLDER, BACKGROUND_FOLDER, INSTRUMENT_ENABLED, SENSOR_COUNT, SENSOR_SEPARATION, SENSOR_SIZE,
+  MAP_UNITS, SPEED_UNITS, INSTRUMENT_PORT, AUDIO_TICKS, AUDIO_DISCONNECT_ALARM, GPS_AUDIO_WARNING,
+  PAUSE_KEY, MAP_DISPLAY_MODE, MODEL_TYPE, EM61_TYPE,
+  PROFILE_WIDTH_0, PROFILE_WIDTH_1, PROFILE_WIDTH_2, PROFILE_WIDTH_3,
+  PROFILE_WIDTH_4, PROFILE_WIDTH_5, PROFILE_WIDTH_6, PROFILE_WIDTH_7,
+  PROFILE_COLOR_0, PROFILE_COLOR_1, PROFILE_COLOR_2, PROFILE_COLOR_3,
+  PROFILE_COLOR_4, PROFILE_COLOR_5, PROFILE_COLOR_6, PROFILE_COLOR_7,
+  PROFILE_SCALE_KIND, SCALE_MIN, SCALE_MAX, SCALE2_MIN, SCALE2_MAX, SCALE_FACTORS_STEP,
+  GPS_INPUT, GPS_DATA_OPTION, GPS_PORT, GPS_BAUD, GPS_DATA_BITS, GPS_PARITY, GPS_STOP_BITS,
+  SPEED_BAR_MAX, GEOMETRY_UNITS, GPS_OFFSET_X, GPS_OFFSET_Y, EM34_REFERENCE, SURVEY_MODE, COMPONENT,
+  DIPOLE_MODE, EM34_SAMPLES, MAP_SWATH_INDEX, STATION_INCREMENT_AUTO, STATION_INCREMENT_WHEEL,
+  STATION_INCREMENT_MANUAL, SAMPLE_INTERVAL, SURVEY_LINE, LINE_INCREMENT, LINE_SEQUENCE, LINE_DIRECTION,
+  START_STATION, START_STATION_AUTO, CURSOR_SIZE, POSITION_SIZE, CURSOR_COLOR, POSITION_COLOR,
+  GRID_INTERVAL, MAP_SIZE, GRID_TYPE, LINES_ANGLE, CURSOR_BAND_INDEX, COORDINATE_DISPLAY_UNITS,
+  GPS_MASK_WARNING, GPS_MASK_QUALITY, GPS_MASK_SATELLITES, GPS_MASK_DILUTION, SPARE_VALUE,
+  NULL_APPLY, NULL_VALUE_1, NULL_VALUE_2, NULL_VALUE_3, NULL_VALUE_4,
+  MK2_CAL_A, MK2_CAL_B, MK2_CAL_C, MK2_CAL_D, MK2_CAL_E, MK2_CAL_F,
+  BG_FILE_KIND, BG_DRAW_STYLE, BG_COORDINATES, BG_COLUMN_X, BG_COLUMN_Y, BG_COLUMN_LABEL, BG_HEADER_ROWS,
+  ALARM_TYPE, ALARM_AUDIO, ALARM_CHANNEL, ALARM_ANOMALY_WIDTH, ALARM_LEVEL, ALARM_MIN_LEVEL,
+  ALARM_MAX_LEVEL, ALARM_DESCENDING_READINGS, PSEUDO_GGA_SLAM, RTS_UNITS, SOFT_MARKER_KEY,
+  FILTER_FACTOR_LEFT, FILTER_FACTOR_RIGHT, SWATH_STEP,
+  SETTING_COUNT
 };
 
-// EM61-LX2.
-const SettingsRow GroupB[] = {
-    {ROW_PATH, S.DataFolder, ALL_MODELS, nullptr},
-    {ROW_PATH, S.BackgroundFolder, ALL_MODELS, nullptr},
-    {ROW_INT, &S.SensorCount, ALL_MODELS, nullptr},
-    {ROW_INT, &S.InstrumentEnabled, ALL_MODELS, nullptr},
-    {ROW_INT, &S.SensorSize, ALL_MODELS, nullptr},
-    {ROW_INT, &S.MapUnits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.SpeedUnits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.InstrumentPort, ALL_MODELS, nullptr},
-    {ROW_INT, &S.AudioTicks, ALL_MODELS, nullptr},
-    {ROW_INT, &S.AudioDisconnectAlarm, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsAudioWarning, ALL_MODELS, nullptr},
-    {ROW_INT, &S.PauseKey, ALL_MODELS, nullptr},
-    {ROW_INT, &S.MapDisplayMode, ALL_MODELS, ForceMapDisplayMode},
-    {ROW_INT, &S.Em61Type, ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[0], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[1], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[2], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[3], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[4], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[5], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[6], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[7], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[0], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[1], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[2], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[3], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[4], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[5], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[6], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[7], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileScaleKind, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.ScaleMin, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.ScaleMax, ALL_MODELS, nullptr},
-    {ROW_STEP, nullptr, ALL_MODELS, DeriveScaleFactors},
-    {ROW_INT, &S.GpsInput, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsDataOption, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsPort, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsBaud, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsDataBits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsParity, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsStopBits, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.SpeedBarMax, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GeometryUnits, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.GpsOffsetX, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.GpsOffsetY, ALL_MODELS, TakeGpsOffsetY},
-    {ROW_INT, &S.SurveyMode, ALL_MODELS, TakeSurveyMode},
-    {ROW_INT, &S.MapSwathIndex, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.StationIncrementAuto, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.StationIncrementWheel, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.StationIncrementManual, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.SampleInterval, ALL_MODELS, DeriveSampleRate},
-    {ROW_LINE_NAME, S.SurveyLine, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.LineIncrement, ALL_MODELS, nullptr},
-    {ROW_INT, &S.LineSequence, ALL_MODELS, nullptr},
-    {ROW_INT, &S.LineDirection, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.StartStation, ALL_MODELS, TakeStationOfMode},
-    {ROW_INT, &S.CursorSize, ALL_MODELS, DeriveCursorSize},
-    {ROW_INT, &S.PositionSize, ALL_MODELS, nullptr},
-    {ROW_LONG, &S.CursorColor, ALL_MODELS, nullptr},
-    {ROW_LONG, &S.PositionColor, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.GridInterval, ALL_MODELS, nullptr},
-    {ROW_LONG, &S.MapSize, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GridType, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.LinesAngle, ALL_MODELS, nullptr},
-    {ROW_INT, &S.CursorBandIndex, ALL_MODELS, DeriveCursorBand},
-    {ROW_INT, &S.CoordinateDisplayUnits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsMaskWarning, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsMaskQuality, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsMaskSatellites, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.GpsMaskDilution, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.SpareValue, ALL_MODELS, nullptr},
-    {ROW_INT, &S.NullApply, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.NullValue1, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.NullValue2, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.NullValue3, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.NullValue4, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgFileKind, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgDrawStyle, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgCoordinates, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgColumnX, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgColumnY, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgColumnLabel, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgHeaderRows, ALL_MODELS, nullptr},
-    {ROW_INT, &S.AlarmType, ALL_MODELS, nullptr},
-    {ROW_INT, &S.AlarmAudio, ALL_MODELS, nullptr},
-    {ROW_INT, &S.AlarmChannel, ALL_MODELS, nullptr},
-    {ROW_INT, &S.AlarmAnomalyWidth, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.AlarmLevel, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.AlarmMinLevel, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.AlarmMaxLevel, ALL_MODELS, nullptr},
-    {ROW_INT, &S.AlarmDescendingReadings, ALL_MODELS, nullptr},
-    {ROW_INT, &S.PseudoGgaSlam, ALL_MODELS, nullptr},
-    {ROW_INT, &S.RtsUnits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.SoftMarkerKey, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.FilterFactorLeft, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.FilterFactorRight, ALL_MODELS, CopyFilterFactors},
-    {ROW_STEP, nullptr, ALL_MODELS, DeriveSwath},
+// The rows in the order of SettingId.
+const SettingsRow Rows[SETTING_COUNT] = {
+    {ROW_PATH, S.DataFolder, NEED_NONE, nullptr},
+    {ROW_PATH, S.BackgroundFolder, NEED_NONE, nullptr},
+    {ROW_INT, &S.InstrumentEnabled, NEED_NONE, nullptr},
+    {ROW_INT, &S.SensorCount, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.SensorSeparation, NEED_NONE, nullptr},
+    {ROW_INT, &S.SensorSize, NEED_NONE, nullptr},
+    {ROW_INT, &S.MapUnits, NEED_NONE, nullptr},
+    {ROW_INT, &S.SpeedUnits, NEED_NONE, nullptr},
+    {ROW_INT, &S.InstrumentPort, NEED_NONE, nullptr},
+    {ROW_INT, &S.AudioTicks, NEED_NONE, nullptr},
+    {ROW_INT, &S.AudioDisconnectAlarm, NEED_NONE, nullptr},
+    {ROW_INT, &S.GpsAudioWarning, NEED_NONE, nullptr},
+    {ROW_INT, &S.PauseKey, NEED_NONE, nullptr},
+    {ROW_INT, &S.MapDisplayMode, NEED_NONE, ForceMapDisplayMode},
+    {ROW_MODEL_TYPE, nullptr, NEED_NONE, DeriveEm61TypeNcc},
+    {ROW_INT, &S.Em61Type, NEED_NONE, nullptr},
+    {ROW_INT, &S.ProfileLineWidth[0], NEED_NONE, nullptr},
+    {ROW_INT, &S.ProfileLineWidth[1], NEED_NONE, nullptr},
+    {ROW_INT, &S.ProfileLineWidth[2], NEED_NONE, nullptr},
+    {ROW_INT, &S.ProfileLineWidth[3], NEED_NONE, nullptr},
+    {ROW_INT, &S.ProfileLineWidth[4], NEED_NONE, nullptr},
+    {ROW_INT, &S.ProfileLineWidth[5], NEED_NONE, nullptr},
+    {ROW_INT, &S.ProfileLineWidth[6], NEED_NONE, nullptr},
+    {ROW_INT, &S.ProfileLineWidth[7], NEED_NONE, nullptr},
+    {ROW_LONG, &S.ProfileColor[0], NEED_NONE, nullptr},
+    {ROW_LONG, &S.ProfileColor[1], NEED_NONE, nullptr},
+    {ROW_LONG, &S.ProfileColor[2], NEED_NONE, nullptr},
+    {ROW_LONG, &S.ProfileColor[3], NEED_NONE, nullptr},
+    {ROW_LONG, &S.ProfileColor[4], NEED_NONE, nullptr},
+    {ROW_LONG, &S.ProfileColor[5], NEED_NONE, nullptr},
+    {ROW_LONG, &S.ProfileColor[6], NEED_NONE, nullptr},
+    {ROW_LONG, &S.ProfileColor[7], NEED_NONE, nullptr},
+    {ROW_INT, &S.ProfileScaleKind, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.ScaleMin, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.ScaleMax, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.Scale2Min, NEED_SECOND_SCALE, nullptr},
+    {ROW_DOUBLE, &S.Scale2Max, NEED_SECOND_SCALE, nullptr},
+    {ROW_STEP, nullptr, NEED_NONE, DeriveScaleFactors},
+    {ROW_INT, &S.GpsInput, NEED_NONE, nullptr},
+    {ROW_INT, &S.GpsDataOption, NEED_NONE, nullptr},
+    {ROW_INT, &S.GpsPort, NEED_NONE, nullptr},
+    {ROW_INT, &S.GpsBaud, NEED_NONE, nullptr},
+    {ROW_INT, &S.GpsDataBits, NEED_NONE, nullptr},
+    {ROW_INT, &S.GpsParity, NEED_NONE, nullptr},
+    {ROW_INT, &S.GpsStopBits, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.SpeedBarMax, NEED_NONE, nullptr},
+    {ROW_INT, &S.GeometryUnits, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.GpsOffsetX, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.GpsOffsetY, NEED_NONE, TakeGpsOffsetY},
+    {ROW_INT, &S.Em34Reference, NEED_COIL_REFERENCE, nullptr},
+    {ROW_INT, &S.SurveyMode, NEED_NONE, TakeSurveyMode},
+    {ROW_INT, &S.Component, NEED_SECOND_SCALE, nullptr},
+    {ROW_INT, &S.DipoleMode, NEED_SECOND_SCALE, DeriveDipoleMode},
+    {ROW_INT, &S.Em34SamplesPerReading, NEED_COIL_REFERENCE, nullptr},
+    {ROW_INT, &S.MapSwathIndex, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.StationIncrementAuto, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.StationIncrementWheel, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.StationIncrementManual, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.SampleInterval, NEED_NONE, DeriveSampleRate},
+    {ROW_LINE_NAME, S.SurveyLine, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.LineIncrement, NEED_NONE, nullptr},
+    {ROW_INT, &S.LineSequence, NEED_NONE, nullptr},
+    {ROW_INT, &S.LineDirection, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.StartStation, NEED_NONE, TakeStationOfMode},
+    {ROW_DOUBLE, &S.StartStation, NEED_NONE, TakeStationAuto},
+    {ROW_INT, &S.CursorSize, NEED_NONE, DeriveCursorSize},
+    {ROW_INT, &S.PositionSize, NEED_NONE, nullptr},
+    {ROW_LONG, &S.CursorColor, NEED_NONE, nullptr},
+    {ROW_LONG, &S.PositionColor, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.GridInterval, NEED_NONE, nullptr},
+    {ROW_LONG, &S.MapSize, NEED_NONE, nullptr},
+    {ROW_INT, &S.GridType, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.LinesAngle, NEED_NONE, nullptr},
+    {ROW_INT, &S.CursorBandIndex, NEED_NONE, DeriveCursorBand},
+    {ROW_INT, &S.CoordinateDisplayUnits, NEED_NONE, nullptr},
+    {ROW_INT, &S.GpsMaskWarning, NEED_NONE, nullptr},
+    {ROW_INT, &S.GpsMaskQuality, NEED_NONE, nullptr},
+    {ROW_INT, &S.GpsMaskSatellites, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.GpsMaskDilution, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.SpareValue, NEED_NONE, nullptr},
+    {ROW_INT, &S.NullApply, NEED_NULL_VALUES, nullptr},
+    {ROW_DOUBLE, &S.NullValue1, NEED_NULL_VALUES, nullptr},
+    {ROW_DOUBLE, &S.NullValue2, NEED_NULL_VALUES, nullptr},
+    {ROW_DOUBLE, &S.NullValue3, NEED_NULL_VALUES, nullptr},
+    {ROW_DOUBLE, &S.NullValue4, NEED_NULL_VALUES, nullptr},
+    {ROW_DOUBLE, &S.Mk2CalA, NEED_OFFSETS, nullptr},
+    {ROW_DOUBLE, &S.Mk2CalB, NEED_OFFSETS, nullptr},
+    {ROW_DOUBLE, &S.Mk2CalC, NEED_OFFSETS, nullptr},
+    {ROW_DOUBLE, &S.Mk2CalD, NEED_OFFSETS, nullptr},
+    {ROW_DOUBLE, &S.Mk2CalE, NEED_OFFSETS, nullptr},
+    {ROW_DOUBLE, &S.Mk2CalF, NEED_OFFSETS, nullptr},
+    {ROW_INT, &S.BgFileKind, NEED_NONE, nullptr},
+    {ROW_INT, &S.BgDrawStyle, NEED_NONE, nullptr},
+    {ROW_INT, &S.BgCoordinates, NEED_NONE, nullptr},
+    {ROW_INT, &S.BgColumnX, NEED_NONE, nullptr},
+    {ROW_INT, &S.BgColumnY, NEED_NONE, nullptr},
+    {ROW_INT, &S.BgColumnLabel, NEED_NONE, nullptr},
+    {ROW_INT, &S.BgHeaderRows, NEED_NONE, nullptr},
+    {ROW_INT, &S.AlarmType, NEED_NONE, nullptr},
+    {ROW_INT, &S.AlarmAudio, NEED_NONE, nullptr},
+    {ROW_INT, &S.AlarmChannel, NEED_NONE, nullptr},
+    {ROW_INT, &S.AlarmAnomalyWidth, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.AlarmLevel, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.AlarmMinLevel, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.AlarmMaxLevel, NEED_NONE, nullptr},
+    {ROW_INT, &S.AlarmDescendingReadings, NEED_NONE, nullptr},
+    {ROW_INT, &S.PseudoGgaSlam, NEED_NONE, nullptr},
+    {ROW_INT, &S.RtsUnits, NEED_NONE, nullptr},
+    {ROW_INT, &S.SoftMarkerKey, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.FilterFactorLeft, NEED_NONE, nullptr},
+    {ROW_DOUBLE, &S.FilterFactorRight, NEED_NONE, CopyFilterFactors},
+    {ROW_STEP, nullptr, NEED_NONE, DeriveSwath},
 };
 
-// Grad601. The "Map Swath" index stands twice; the later line wins.
-const SettingsRow GroupC[] = {
-    {ROW_PATH, S.DataFolder, ALL_MODELS, nullptr},
-    {ROW_PATH, S.BackgroundFolder, ALL_MODELS, nullptr},
-    {ROW_INT, &S.InstrumentEnabled, ALL_MODELS, nullptr},
-    {ROW_INT, &S.SensorCount, ALL_MODELS, nullptr},
-    {ROW_INT, &S.MapSwathIndex, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.SensorSeparation, ALL_MODELS, nullptr},
-    {ROW_INT, &S.SensorSize, ALL_MODELS, nullptr},
-    {ROW_INT, &S.MapUnits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.SpeedUnits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.InstrumentPort, ALL_MODELS, nullptr},
-    {ROW_INT, &S.AudioTicks, ALL_MODELS, nullptr},
-    {ROW_INT, &S.AudioDisconnectAlarm, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsAudioWarning, ALL_MODELS, nullptr},
-    {ROW_INT, &S.PauseKey, ALL_MODELS, nullptr},
-    {ROW_INT, &S.MapDisplayMode, ALL_MODELS, ForceMapDisplayMode},
-    {ROW_INT, &S.ProfileLineWidth[0], ALL_MODELS, nullptr},
-    {ROW_INT, &S.ProfileLineWidth[1], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[0], ALL_MODELS, nullptr},
-    {ROW_LONG, &S.ProfileColor[1], ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.ScaleMin, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.ScaleMax, ALL_MODELS, nullptr},
-    {ROW_STEP, nullptr, ALL_MODELS, DeriveScaleFactors},
-    {ROW_INT, &S.GpsInput, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsDataOption, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsPort, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsBaud, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsDataBits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsParity, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsStopBits, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.SpeedBarMax, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GeometryUnits, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.GpsOffsetX, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.GpsOffsetY, ALL_MODELS, TakeGpsOffsetY},
-    {ROW_INT, &S.SurveyMode, ALL_MODELS, TakeSurveyMode},
-    {ROW_INT, &S.MapSwathIndex, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.StationIncrementAuto, ALL_MODELS, nullptr},
-    {ROW_LINE_NAME, S.SurveyLine, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.LineIncrement, ALL_MODELS, nullptr},
-    {ROW_INT, &S.LineSequence, ALL_MODELS, nullptr},
-    {ROW_INT, &S.LineDirection, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.StartStation, ALL_MODELS, TakeStationAuto},
-    {ROW_INT, &S.CursorSize, ALL_MODELS, DeriveCursorSize},
-    {ROW_INT, &S.PositionSize, ALL_MODELS, nullptr},
-    {ROW_LONG, &S.CursorColor, ALL_MODELS, nullptr},
-    {ROW_LONG, &S.PositionColor, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.GridInterval, ALL_MODELS, nullptr},
-    {ROW_LONG, &S.MapSize, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GridType, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.LinesAngle, ALL_MODELS, nullptr},
-    {ROW_INT, &S.CursorBandIndex, ALL_MODELS, DeriveCursorBand},
-    {ROW_INT, &S.CoordinateDisplayUnits, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsMaskWarning, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsMaskQuality, ALL_MODELS, nullptr},
-    {ROW_INT, &S.GpsMaskSatellites, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.GpsMaskDilution, ALL_MODELS, nullptr},
-    {ROW_DOUBLE, &S.SpareValue, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgFileKind, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgDrawStyle, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgCoordinates, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgColumnX, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgColumnY, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgColumnLabel, ALL_MODELS, nullptr},
-    {ROW_INT, &S.BgHeaderRows, ALL_MODELS, nullptr},
-    {ROW_INT, &S.SoftMarkerKey, ALL_MODELS, nullptr},
-    {ROW_STEP, nullptr, ALL_MODELS, DeriveSwath},
-};
+// ---------------------------------------------------------------- the groups
 
-struct GroupList {
-  const SettingsRow* Rows;
+// Runs of rows that stand in the same order in several groups.
+struct RowRun {
+  const SettingId* Ids;
   int Count;
 };
 
-template <int N> GroupList ListOf(const SettingsRow (&rows)[N]) { return {rows, N}; }
+template <int N> constexpr RowRun Run(const SettingId (&ids)[N]) { return {ids, N}; }
+
+const SettingId AudioToMapMode[] = {AUDIO_TICKS, AUDIO_DISCONNECT_ALARM, GPS_AUDIO_WARNING, PAUSE_KEY,
+                                    MAP_DISPLAY_MODE};
+const SettingId EightProfiles[] = {PROFILE_WIDTH_0, PROFILE_WIDTH_1, PROFILE_WIDTH_2, PROFILE_WIDTH_3,
+                                   PROFILE_WIDTH_4, PROFILE_WIDTH_5, PROFILE_WIDTH_6, PROFILE_WIDTH_7,
+                                   PROFILE_COLOR_0, PROFILE_COLOR_1, PROFILE_COLOR_2, PROFILE_COLOR_3,
+                                   PROFILE_COLOR_4, PROFILE_COLOR_5, PROFILE_COLOR_6, PROFILE_COLOR_7,
+                                   PROFILE_SCALE_KIND};
+const SettingId GpsPortAndOffsets[] = {GPS_INPUT, GPS_DATA_OPTION, GPS_PORT, GPS_BAUD, GPS_DATA_BITS,
+                                       GPS_PARITY, GPS_STOP_BITS, SPEED_BAR_MAX, GEOMETRY_UNITS,
+                                       GPS_OFFSET_X, GPS_OFFSET_Y};
+const SettingId ThreeIncrements[] = {STATION_INCREMENT_AUTO, STATION_INCREMENT_WHEEL, STATION_INCREMENT_MANUAL,
+                                     SAMPLE_INTERVAL};
+const SettingId LineNameAndWalk[] = {SURVEY_LINE, LINE_INCREMENT, LINE_SEQUENCE, LINE_DIRECTION};
+const SettingId MapAndMask[] = {CURSOR_SIZE, POSITION_SIZE, CURSOR_COLOR, POSITION_COLOR, GRID_INTERVAL,
+                                MAP_SIZE, GRID_TYPE, LINES_ANGLE, CURSOR_BAND_INDEX, COORDINATE_DISPLAY_UNITS,
+                                GPS_MASK_WARNING, GPS_MASK_QUALITY, GPS_MASK_SATELLITES, GPS_MASK_DILUTION,
+                                SPARE_VALUE};
+const SettingId NullValues[] = {NULL_APPLY, NULL_VALUE_1, NULL_VALUE_2, NULL_VALUE_3, NULL_VALUE_4};
+const SettingId Background[] = {BG_FILE_KIND, BG_DRAW_STYLE, BG_COORDINATES, BG_COLUMN_X, BG_COLUMN_Y,
+                                BG_COLUMN_LABEL, BG_HEADER_ROWS};
+const SettingId RtsSource[] = {PSEUDO_GGA_SLAM, RTS_UNITS};
+
+// Group A: EM61-MK2, EM31-MK2, EM38, EM34-3, EM38-MK2.
+const SettingId A1[] = {DATA_FOLDER, BACKGROUND_FOLDER, INSTRUMENT_ENABLED, SENSOR_SIZE, MAP_UNITS,
+                        SPEED_UNITS, INSTRUMENT_PORT};
+const SettingId A2[] = {MODEL_TYPE};
+const SettingId A3[] = {SCALE_MIN, SCALE_MAX, SCALE2_MIN, SCALE2_MAX, SCALE_FACTORS_STEP};
+const SettingId A4[] = {EM34_REFERENCE, SURVEY_MODE, COMPONENT, DIPOLE_MODE, EM34_SAMPLES, MAP_SWATH_INDEX};
+const SettingId A5[] = {START_STATION};
+const SettingId A6[] = {MK2_CAL_A, MK2_CAL_B, MK2_CAL_C, MK2_CAL_D, MK2_CAL_E, MK2_CAL_F};
+const SettingId A7[] = {SWATH_STEP};
+const RowRun GroupA[] = {Run(A1), Run(AudioToMapMode), Run(A2), Run(EightProfiles), Run(A3),
+                         Run(GpsPortAndOffsets), Run(A4), Run(ThreeIncrements), Run(LineNameAndWalk),
+                         Run(A5), Run(MapAndMask), Run(NullValues), Run(A6), Run(Background),
+                         Run(RtsSource), Run(A7)};
+
+// Group B: EM61-LX2.
+const SettingId B1[] = {DATA_FOLDER, BACKGROUND_FOLDER, SENSOR_COUNT, INSTRUMENT_ENABLED, SENSOR_SIZE,
+                        MAP_UNITS, SPEED_UNITS, INSTRUMENT_PORT};
+const SettingId B2[] = {EM61_TYPE};
+const SettingId B3[] = {SCALE_MIN, SCALE_MAX, SCALE_FACTORS_STEP};
+const SettingId B4[] = {SURVEY_MODE, MAP_SWATH_INDEX};
+const SettingId B5[] = {START_STATION};
+const SettingId B6[] = {ALARM_TYPE, ALARM_AUDIO, ALARM_CHANNEL, ALARM_ANOMALY_WIDTH, ALARM_LEVEL,
+                        ALARM_MIN_LEVEL, ALARM_MAX_LEVEL, ALARM_DESCENDING_READINGS};
+const SettingId B7[] = {SOFT_MARKER_KEY, FILTER_FACTOR_LEFT, FILTER_FACTOR_RIGHT, SWATH_STEP};
+const RowRun GroupB[] = {Run(B1), Run(AudioToMapMode), Run(B2), Run(EightProfiles), Run(B3),
+                         Run(GpsPortAndOffsets), Run(B4), Run(ThreeIncrements), Run(LineNameAndWalk),
+                         Run(B5), Run(MapAndMask), Run(NullValues), Run(Background), Run(B6),
+                         Run(RtsSource), Run(B7)};
+
+// Group C: Grad601. The "Map Swath" index stands twice; the later line wins.
+const SettingId C1[] = {DATA_FOLDER, BACKGROUND_FOLDER, INSTRUMENT_ENABLED, SENSOR_COUNT, MAP_SWATH_INDEX,
+                        SENSOR_SEPARATION, SENSOR_SIZE, MAP_UNITS, SPEED_UNITS, INSTRUMENT_PORT};
+const SettingId C2[] = {PROFILE_WIDTH_0, PROFILE_WIDTH_1, PROFILE_COLOR_0, PROFILE_COLOR_1, SCALE_MIN,
+                        SCALE_MAX, SCALE_FACTORS_STEP};
+const SettingId C3[] = {SURVEY_MODE, MAP_SWATH_INDEX, STATION_INCREMENT_AUTO};
+const SettingId C4[] = {START_STATION_AUTO};
+const SettingId C5[] = {SOFT_MARKER_KEY, SWATH_STEP};
+const RowRun GroupC[] = {Run(C1), Run(AudioToMapMode), Run(C2), Run(GpsPortAndOffsets), Run(C3),
+                         Run(LineNameAndWalk), Run(C4), Run(MapAndMask), Run(Background), Run(C5)};
+
+struct GroupList {
+  const RowRun* Runs;
+  int Count;
+};
+
+template <int N> GroupList ListOf(const RowRun (&runs)[N]) { return {runs, N}; }
 
 GroupList GroupOfModel() {
-  if (InstrumentModel == Grad601) return ListOf(GroupC);
-  if (InstrumentModel == EM61LX2) return ListOf(GroupB);
-  return ListOf(GroupA);
+  switch (Instrument().Store.Group) {
+    case SETTINGS_GROUP_B: return ListOf(GroupB);
+    case SETTINGS_GROUP_C: return ListOf(GroupC);
+    default: return ListOf(GroupA);
+  }
 }
 
-bool RowOfThisModel(const SettingsRow& row) {
-  return row.Models == ALL_MODELS || (row.Models & ModelBit(InstrumentModel)) != 0;
+// The optional rows this instrument's file holds.
+unsigned NeedsOfModel() {
+  const InstrumentDescription& row = Instrument();
+  unsigned needs = 0;
+  if (row.Views.SecondScale) needs |= NEED_SECOND_SCALE;
+  if (row.Commands.Nulling) needs |= NEED_NULL_VALUES;
+  if (row.Commands.Calibration == CALIBRATION_OFFSETS) needs |= NEED_OFFSETS;
+  if (row.Store.CoilReference) needs |= NEED_COIL_REFERENCE;
+  return needs;
+}
+
+// Calls `visit` for each row of this program's file, in file order.
+template <typename Visit> void ForEachRow(Visit visit) {
+  const GroupList group = GroupOfModel();
+  const unsigned needs = NeedsOfModel();
+  for (int r = 0; r < group.Count; ++r)
+    for (int i = 0; i < group.Runs[r].Count; ++i) {
+      const SettingsRow& row = Rows[group.Runs[r].Ids[i]];
+      if ((row.Need & needs) == row.Need) visit(row);
+    }
 }
 
 // The one line that holds the type of whichever instrument this is.
 int* ModelTypeField() {
-  if (InstrumentModel == EM61MK2 || InstrumentModel == EM61LX2) return &Settings.Em61Type;
-  if (InstrumentModel == EM38MK2) return &Settings.Em38Mk2Type;
-  return &Settings.CoilLengthType;
+  switch (Instrument().Store.Type) {
+    case TYPE_EM61: return &Settings.Em61Type;
+    case TYPE_EM38MK2: return &Settings.Em38Mk2Type;
+    default: return &Settings.CoilLengthType;
+  }
 }
 
 int TextCapacityOf(RowKind kind) { return kind == ROW_PATH ? TEXT_PATH_CHARS : TEXT_LINE_CHARS; }
@@ -491,13 +449,11 @@ int WriteSettingsText(char* out, int capacity) {
   SettingsVersionLine(line, sizeof line);
   Append(text, line);
   Append(text, "\r\n");
-  const GroupList group = GroupOfModel();
-  for (int i = 0; i < group.Count; ++i) {
-    const SettingsRow& row = group.Rows[i];
-    if (row.Kind == ROW_STEP || !RowOfThisModel(row)) continue;
+  ForEachRow([&](const SettingsRow& row) {
+    if (row.Kind == ROW_STEP) return;
     FormatRow(row, line, sizeof line);
     Append(text, line);
-  }
+  });
   return text.Length;
 }
 
@@ -510,9 +466,7 @@ int SettingsActionFor(int mode, int filePresent, const char* firstLine) {
 }
 
 void ReadSettingsFields(ByteSource& source, char* line) {
-  const GroupList group = GroupOfModel();
-  for (int i = 0; i < group.Count; ++i)
-    if (RowOfThisModel(group.Rows[i])) ReadRow(group.Rows[i], source, line);
+  ForEachRow([&](const SettingsRow& row) { ReadRow(row, source, line); });
 }
 
 int LoadSettingsBytes(int mode, const char* bytes, size_t size) {
@@ -525,14 +479,8 @@ int LoadSettingsBytes(int mode, const char* bytes, size_t size) {
 }
 
 void SampleRateDerived() {
-  switch (InstrumentModel) {
-    case EM31MK2: Link.FrameMs = 95.23809523809524; break;
-    case EM38MK2: Link.FrameMs = 47.0; break;
-    case Grad601: Link.FrameMs = 91.0; break;
-    case EM61LX2:
-    case EM61MK2: Link.FrameMs = 55.078211059704785; break;
-    default: break;  // EM38 keeps what its link check measured, EM34-3 its first value
-  }
+  // The EM38 keeps what its link check measured, the EM34-3 its first value.
+  if (Instrument().Link.FrameMs > 0.0) Link.FrameMs = Instrument().Link.FrameMs;
   const int nth = TruncToInt(Settings.SampleInterval * 1000.0 / Link.FrameMs + 0.5);
   Link.KeepEveryNth = nth < 1 ? 1 : nth;
 }

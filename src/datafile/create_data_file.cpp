@@ -4,28 +4,11 @@
 #include <cwchar>
 
 #include "core/variant.h"
+#include "instruments/instrument.h"
 
-int FileMarkReadLength(int instrumentModel) {
-  switch (instrumentModel) {
-    case EM31MK2:
-    case EM38: return 5;
-    case EM343: return 7;
-    case EM38MK2: return 8;
-    default: return 6;   // Grad601, EM61-LX2, EM61-MK2
-  }
-}
+int FileMarkReadLength(int instrumentModel) { return InstrumentOf(instrumentModel).DataFile.MarkReadLength; }
 
-const char* FileMarkOf(int instrumentModel) {
-  switch (instrumentModel) {
-    case Grad601: return "KLV601";
-    case EM61LX2: return "KLVLX";
-    case EM61MK2: return "KLVMK2";
-    case EM38: return "KLV38";
-    case EM343: return "KLV34-3";
-    case EM38MK2: return "KLV38MK2";
-    default: return "KLV31";
-  }
-}
+const char* FileMarkOf(int instrumentModel) { return InstrumentOf(instrumentModel).DataFile.FileMark; }
 
 bool BytesHoldMark(const char* bytes, int count, const char* mark) {
   if (!bytes || !mark || count <= 0) return false;

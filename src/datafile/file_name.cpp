@@ -4,26 +4,9 @@
 
 #include "core/text.h"
 #include "core/variant.h"
+#include "instruments/instrument.h"
 
 namespace {
-
-struct KindRow {
-  int Model;
-  DataFileKind Mapping;
-  DataFileKind Navigation;
-};
-
-// The EM38 has no filter, and the EM61-LX2 borrows the EM61-MK2's default
-// extension; both are as the programs have always had them.
-const KindRow KindTable[] = {
-    {Grad601, {".RGR", "KLV601 Files (*.RGR)", "*.RGR", "RGR"}, {".601", "Lum601 Files (*.601)", "*.601", "601"}},
-    {EM61LX2, {".RX2", "KLV61LX2 Files (*.RX2)", "*.RX2", "T61"}, {".TX2", "Lum61LX2 Files (*.TX2)", "*.TX2", "P61"}},
-    {EM61MK2, {".T61", "KLV61MK2 Files (*.T61)", "*.T61", "T61"}, {".P61", "Lum61MK2 Files (*.P61)", "*.P61", "P61"}},
-    {EM31MK2, {".T31", "KLV31 Files (*.T31)", "*.T31", "T31"}, {".H31", "Lum31 Files (*.H31)", "*.H31", "H31"}},
-    {EM38, {".T38", nullptr, nullptr, "T38"}, {".H38", nullptr, nullptr, "H38"}},
-    {EM343, {".T34", "KLV34-3 Files (*.T34)", "*.T34", "T34"}, {".H34", "Lum34-3 Files (*.H34)", "*.H34", "H34"}},
-    {EM38MK2, {".TM8", "KLV38MK2 Files (*.TM8)", "*.TM8", "TM8"}, {".382", "Lum38MK2 Files (*.382)", "*.382", "382"}},
-};
 
 const DataFileKind GpsOnlyKind = {".gxy", "KLVGXY Files (*.GXY)", "*.GXY", "GXY"};
 
@@ -31,9 +14,12 @@ const DataFileKind GpsOnlyKind = {".gxy", "KLVGXY Files (*.GXY)", "*.GXY", "GXY"
 
 DataFileKind DataFileKindOf(int instrumentModel, int productMode, int instrumentEnabled) {
   if (instrumentEnabled == 0) return GpsOnlyKind;
-  for (const KindRow& row : KindTable)
-    if (row.Model == instrumentModel) return productMode == 1 ? row.Navigation : row.Mapping;
-  return KindTable[3].Mapping;
+  const DataFileDescription& file = InstrumentOf(instrumentModel).DataFile;
+  const bool navigation = productMode == NAVIGATION_PRODUCT;
+  return DataFileKind{VariantOf(instrumentModel, productMode).Extension,
+                      navigation ? file.NavigationFilter : file.MappingFilter,
+                      navigation ? file.NavigationPattern : file.MappingPattern,
+                      navigation ? file.NavigationDefaultExtension : file.MappingDefaultExtension};
 }
 
 void FileNameStem(int year, int month, int day, char* out, int capacity) {

@@ -14,6 +14,7 @@
 #include "core/text.h"
 #include "core/ticks.h"
 #include "core/variant.h"
+#include "instruments/instrument.h"
 
 void (*DataFileSink)(const char* bytes, size_t count) = nullptr;
 
@@ -29,9 +30,7 @@ constexpr int LINE_NAME_IN_L = 12;
 constexpr int MARKER_TEXT_CHARS = 11;
 constexpr int READING_TEXT_CHARS = 13;
 constexpr int STACKED_TEXT_CHARS = 12;
-constexpr int EM38MK2_FRAME_CHARS = 14;
-constexpr int EM61_FRAME_CHARS = 16;
-constexpr int GRAD601_TEXT_END = 16;  // the tick's offset in the Grad601 record template
+constexpr int GRADIENT_TEXT_END = 16;  // the tick's offset in the Grad601 record template
 
 // One record being printed.
 struct RecordText {
@@ -145,31 +144,11 @@ void SendOne(RecordText& record) {
 
 // ---------------------------------------------------------------- header
 
-struct SignatureRow {
-  int Model;
-  const char* Mapping;
-  const char* Navigation;
-};
-
-const SignatureRow SignatureTable[] = {
-    {Grad601, "KLV601 AW", "LUM601 AW"},   {EM61LX2, "KLVLX1  W", "LUMLX1  W"},
-    {EM61MK2, "KLVMK2  W", "LUMMK2  W"},   {EM31MK2, "KLV31   W", "LUM31   W"},
-    {EM38, "KLV38   W", "LUM38   W"},      {EM343, "KLV343  W", "LUM343  W"},
-    {EM38MK2, "KLV38MK2W", "LUM382  W"},
-};
-
-// The nine characters of the signature, with the variations of the EM61 family.
+// The nine characters of the signature, with the instrument's own marks.
 void MakeSignature(char signature[10]) {
-  const SignatureRow* row = &SignatureTable[3];
-  for (const SignatureRow& candidate : SignatureTable)
-    if (candidate.Model == InstrumentModel) row = &candidate;
-  memcpy(signature, IsNavigation() ? row->Navigation : row->Mapping, 10);
-  if (InstrumentModel == EM61LX2) {
-    signature[5] = Settings.SensorCount == 0 ? '1' : '2';
-    if (Settings.Em61Type != 0) signature[6] = 'N';
-  } else if (InstrumentModel == EM61MK2 && IsNavigation()) {
-    if (Settings.Em61Type != 0 && Settings.Em61Type != 2) signature[6] = 'H';
-  }
+  const DataFileDescription& file = Instrument().DataFile;
+  memcpy(signature, IsNavigation() ? file.NavigationSignature : file.MappingSignature, 10);
+  if (file.SignatureMarks) file.SignatureMarks(signature);
 }
 
 // The program's version without its point: "2.26" gives "226".
@@ -183,31 +162,10 @@ void MakeVersionDigits(char digits[4]) {
 
 // Columns 15 to 25 of record 1.
 void PutConfiguration(RecordText& record) {
-  const ProgramSettings& s = Settings;
-  PutFormat(record, "%1d", s.MapUnits);
-  switch (InstrumentModel) {
-    case Grad601:
-      PutFormat(record, " %1d %1d%1d%1d", s.SurveyMode, s.SensorCount, s.SoftMarkerKey, s.InstrumentEnabled);
-      break;
-    case EM61LX2:
-      PutFormat(record, "%1d%1d%1d%1d %1d%1d", s.SensorSize, s.SurveyMode, s.Em61Type, s.SoftMarkerKey,
-                s.InstrumentEnabled, s.SensorCount);
-      break;
-    case EM61MK2:
-      PutFormat(record, "%1d%1d%1d  %1d", s.SensorSize, s.SurveyMode, s.Em61Type, s.InstrumentEnabled);
-      break;
-    case EM38MK2:
-      PutFormat(record, "%1d%1d%1d%1d%2d", s.DipoleMode, s.SurveyMode, s.Component,
-                s.Em38Mk2Type == 0 ? 2 : s.Em38Mk2Type, s.InstrumentEnabled);
-      break;
-    default: {  // EM31-MK2, EM38, EM34-3
-      int type = InstrumentModel == EM343 ? s.Em34Reference : s.CoilLengthType;
-      PutFormat(record, "%1d%1d%1d%1d", s.DipoleMode, s.SurveyMode, s.Component, type);
-      if (IsNavigation()) PutBlanks(record, 2);
-      else PutFormat(record, "%2d", s.InstrumentEnabled);
-      break;
-    }
-  }
+  PutFormat(record, "%1d", Settings.MapUnits);
+  char columns[16];
+  Instrument().DataFile.HeaderConfiguration(columns, sizeof columns);
+  PutText(record, columns);
 }
 
 void AddSignatureRecord(RecordGroup& group, int appendFlag) {
@@ -226,17 +184,17 @@ void AddSignatureRecord(RecordGroup& group, int appendFlag) {
 }
 
 void PutSurveyParameter(RecordText& record) {
-  if (InstrumentModel == Grad601) {
+  if (Instrument().DataFile.GradientSeparationInHeader) {
     PutFormat(record, "%5.2f  ", Settings.SensorSeparation);
     return;
   }
   if (Settings.SurveyMode == SURVEY_WHEEL) {
     PutFormat(record, "%7.3f", Settings.StationIncrementWheel);
   } else if (Settings.SurveyMode == SURVEY_MANUAL) {
-    if (InstrumentModel == EM61MK2 || InstrumentModel == EM61LX2)
-      PutFormat(record, "%7.3f", Settings.StationIncrementManual);
-    else
+    if (Instrument().DataFile.ManualSamplesInHeader)
       PutFormat(record, "%7d", Settings.Em34SamplesPerReading);
+    else
+      PutFormat(record, "%7.3f", Settings.StationIncrementManual);
   } else {
     PutFormat(record, "%7.3f", Settings.SampleInterval);
   }
@@ -258,7 +216,7 @@ void AddGpsConfigurationRecord(RecordGroup& group) {
   BeginRecord(record);
   PutChar(record, 'G');
   PutFormat(record, "%7.3f%7.3f", Settings.GpsOffsetX, Settings.GpsOffsetY);
-  if (InstrumentModel == EM61MK2) PutFormat(record, "%1d", (int)Link.Em61FastLink);
+  if (Instrument().DataFile.FastLinkInGpsRecord) PutFormat(record, "%1d", (int)Link.Em61FastLink);
   else PutChar(record, ' ');
   PutFormat(record, "7%1d%1d%1d%1d", Settings.RtsUnits, Settings.PseudoGgaSlam, Settings.GpsDataOption,
             Settings.GpsInput);
@@ -313,7 +271,8 @@ void AddLx2FilterRecords(RecordGroup& group) {
   for (double value : CalibrationValues.Lx2FilterValues) AddCalibrationRecord(group, 'I', value, 1, 0.0);
 }
 
-bool HasZeroLevels() { return InstrumentModel == EM61MK2 || InstrumentModel == EM61LX2; }
+bool HasZeroLevels() { return Instrument().DataFile.ZeroLevelRecords != 0; }
+bool HasFilterRecords() { return Instrument().DataFile.FilterRecords != 0; }
 
 // ---------------------------------------------------------------- line header
 
@@ -364,34 +323,28 @@ void AddDateRecord(RecordGroup& group, const LocalTime& time) {
 // ---------------------------------------------------------------- readings
 
 uint32_t ReadingTick() {
-  if (InstrumentModel == EM61MK2 || InstrumentModel == EM61LX2 || InstrumentModel == Grad601)
-    return Link.LastByteTick;
-  return Link.LastReadingTick;
+  return Instrument().Link.ReadingTickIsByteTick ? Link.LastByteTick : Link.LastReadingTick;
 }
 
-// Grad601: 'T', the frame's first two characters, then the frame from its
+// The gradient sentence: 'T', the frame's first two characters, then the frame from its
 // sixth character ("BAR" left out), up to the tick at offset 16.
-void PutGrad601Text(RecordText& record, const unsigned char* frame) {
+void PutGradientText(RecordText& record, const unsigned char* frame) {
   PutChar(record, 'T');
   int end = 0;
   while (end < FRAME_BUFFER_BYTES && frame[end]) ++end;
   for (int i = 0; i < end && i < 2; ++i) PutChar(record, (char)frame[i]);
-  for (int i = 5; i < end && record.Column < GRAD601_TEXT_END; ++i) PutChar(record, (char)frame[i]);
+  for (int i = 5; i < end && record.Column < GRADIENT_TEXT_END; ++i) PutChar(record, (char)frame[i]);
 }
 
 void PutReadingText(RecordText& record, const unsigned char* frame) {
-  switch (InstrumentModel) {
-    case Grad601:
-      PutGrad601Text(record, frame);
+  switch (Instrument().DataFile.RecordForm) {
+    case RECORD_GRADIENT_TEXT:
+      PutGradientText(record, frame);
       break;
-    case EM61MK2:
-    case EM61LX2:
-      PutBytes(record, frame, EM61_FRAME_CHARS);
+    case RECORD_FRAME_BYTES:
+      PutBytes(record, frame, Instrument().DataFile.RecordFrameBytes);
       break;
-    case EM38MK2:
-      PutBytes(record, frame, EM38MK2_FRAME_CHARS);
-      break;
-    default: {
+    case RECORD_FRAME_TEXT: {
       int length = Link.FrameLength;
       if (length < 0) length = 0;
       if (length > READING_TEXT_CHARS) length = READING_TEXT_CHARS;
@@ -405,7 +358,7 @@ void PutReadingText(RecordText& record, const unsigned char* frame) {
 }  // namespace
 
 int RecordLength() {
-  return IsNavigation() && InstrumentModel == EM31MK2 ? 24 : RECORD_LENGTH_LONGEST;
+  return IsNavigation() && Instrument().DataFile.ShortNavigationRecords ? 24 : RECORD_LENGTH_LONGEST;
 }
 
 void ResetDataFileRecords() {
@@ -426,8 +379,8 @@ void WriteFileHeader(int appendFlag) {
   AddGpsConfigurationRecord(group);
   if (!IsNavigation()) AddFirstPositionRecords(group);
   if (HasZeroLevels()) AddHeaderZeroLevelRecords(group);
-  if (InstrumentModel == EM38MK2) AddEm38Mk2CalibrationRecords(group);
-  if (InstrumentModel == EM61LX2) AddLx2FilterRecords(group);
+  if (Instrument().DataFile.OffsetRecords) AddEm38Mk2CalibrationRecords(group);
+  if (HasFilterRecords()) AddLx2FilterRecords(group);
   SendGroup(group);
 }
 
@@ -441,7 +394,7 @@ void WriteLineHeader() {
   AddDateRecord(group, now);
   if (HasZeroLevels())
     for (double level : CalibrationValues.ZeroLevels) AddCalibrationRecord(group, 'O', level, 0, 0.0);
-  if (InstrumentModel == EM61LX2) AddLx2FilterRecords(group);
+  if (HasFilterRecords()) AddLx2FilterRecords(group);
   SendGroup(group);
 }
 

@@ -4,6 +4,8 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "core/variant.h"
+#include "instruments/instrument.h"
+#include "session/model_status_texts.h"
 #include "map/colour_scale.h"
 #include "session/logging_screen_win.h"
 #include "session/session_state.h"
@@ -59,20 +61,20 @@ void PaintMapTitle(HDC dc) {
 
 // 3. Roll, pitch and yaw of a SLAM source.
 void PaintAttitudeLabels(HDC dc) {
-  const int model = InstrumentModel;
-  bool slamModel = model == EM61MK2 || model == EM38MK2 || model == EM31MK2 || model == Grad601;
-  if (!(Settings.GpsDataOption == 7 && Settings.PseudoGgaSlam == 1 && GpsOn() && slamModel)) return;
+  const bool labelled = Instrument().Views.AttitudeLabels != 0;
+  if (!(Settings.GpsDataOption == 7 && Settings.PseudoGgaSlam == 1 && GpsOn() && labelled)) return;
   const LoggingLayoutRecord& L = LoggingLayout;
   Label(dc, L.Roll, "R:");
   Label(dc, L.Pitch, "P:");
   Label(dc, L.Yaw, "Y:");
 }
 
-// 4. The gradiometer's axis name under its numbers.
+// 4. The axis name under the numbers, for an instrument that has one.
 void PaintGradientLabel(HDC dc) {
-  if (InstrumentModel != Grad601) return;
+  const char* name = Instrument().Views.AxisName;
+  if (!name) return;
   SetTextColor(dc, LabelColour);
-  Text(dc, LoggingLayout.GradientLabel.X, LoggingLayout.GradientLabel.Y, "Gradient [nT/m]");
+  Text(dc, LoggingLayout.GradientLabel.X, LoggingLayout.GradientLabel.Y, name);
 }
 
 // 6. Frame lines down both sides with dots at their ends.
@@ -127,19 +129,16 @@ void ScaleEnds(HDC dc, const PixelRect& r, const char* format, double low, doubl
 void PaintScaleLabels(HDC dc) {
   if (!Settings.InstrumentEnabled) return;
   const LoggingLayoutRecord& L = LoggingLayout;
-  const int model = InstrumentModel;
-  const char* first = "%0.0fmS/m";
-  if (model == Grad601) first = "%0.1f nT/m";
-  else if (model == EM61LX2 || model == EM61MK2) first = "%0.1f mV";
-  bool secondScale = model == EM31MK2 || model == EM38 || model == EM38MK2;
+  const char* first = Instrument().Views.ScaleLabel;
+  const char* second = Instrument().Views.Scale2Label;
   SetTextColor(dc, LabelColour);
-  if (secondScale && Settings.ProfileScaleKind == 1)
-    ScaleEnds(dc, L.CurveBox, "%0.0fppt", Settings.Scale2Min, Settings.Scale2Max, TA_RIGHT);
+  if (second && Settings.ProfileScaleKind == 1)
+    ScaleEnds(dc, L.CurveBox, second, Settings.Scale2Min, Settings.Scale2Max, TA_RIGHT);
   else
     ScaleEnds(dc, L.CurveBox, first, Settings.ScaleMin, Settings.ScaleMax, TA_RIGHT);
-  if (secondScale) {
+  if (second) {
     ScaleEnds(dc, L.BarQ.Rect, first, Settings.ScaleMin, Settings.ScaleMax, TA_LEFT);
-    ScaleEnds(dc, L.BarI.Rect, "%0.0fppt", Settings.Scale2Min, Settings.Scale2Max, TA_RIGHT);
+    ScaleEnds(dc, L.BarI.Rect, second, Settings.Scale2Min, Settings.Scale2Max, TA_RIGHT);
   } else {
     ScaleEnds(dc, L.BarArea, first, Settings.ScaleMin, Settings.ScaleMax, TA_RIGHT);
   }
@@ -153,43 +152,15 @@ void StatusRow(HDC dc, int row, const char* text) {
 
 void PaintModelTexts(HDC dc) {
   const LoggingLayoutRecord& L = LoggingLayout;
-  const int model = InstrumentModel;
-  if (!Settings.InstrumentEnabled) return;
+  ModelStatusTexts texts;
+  BuildModelStatusTexts(texts);
   SetTextColor(dc, LabelColour);
-  if (model == EM61MK2) {
+  if (texts.BatteryCurrentLabels) {
     bool shortLabels = L.Battery.Label.Width < MeasurePanelText("Battery: ", 0);
     Label(dc, L.Battery, shortLabels ? "B:" : "Battery: ");
     Label(dc, L.Current, shortLabels ? "T:" : "Current: ");
-    return;
   }
-  if (model == EM31MK2 || model == EM343) {
-    static const char* const modes[] = {"Auto", "Wheel", "Manual"};
-    int mode = Session.SurveyModeCurrent;
-    char text[64];
-    int row = 0;
-    if (model == EM343 && mode == SURVEY_MANUAL) {
-      StatusRow(dc, row++, "Survey: Manual");
-      FormatNarrow(text, sizeof text, "%4d  Readings", Model.ManualReadingsPerStation);
-      StatusRow(dc, row++, text);
-    } else {
-      FormatNarrow(text, sizeof text, "Mode: %s", mode >= 0 && mode <= 2 ? modes[mode] : "Auto");
-      StatusRow(dc, row++, text);
-    }
-    StatusRow(dc, row++, "Selected for file :");
-    StatusRow(dc, row++, Settings.DipoleMode == 0 || (model == EM343 && Model.Em34DipoleChar == 'V')
-                             ? "Dipole: Vertical" : "Dipole: Horiz.");
-    if (model == EM343) {
-      if (mode != SURVEY_MANUAL) {
-        FormatNarrow(text, sizeof text, "Sep: %5d m", Model.Em34Separation);
-        StatusRow(dc, row++, text);
-      }
-      StatusRow(dc, row++, "Component: Conductivity");
-    } else {
-      StatusRow(dc, row++, Settings.Component == 0 ? "Component: Both" : "Component: Inph.");
-    }
-    return;
-  }
-  if (model == EM38) StatusRow(dc, 0, Settings.Component == 0 ? "Comp.: Cond." : "Comp.: Inph.");
+  for (int row = 0; row < texts.RowCount; ++row) StatusRow(dc, row, texts.Rows[row]);
 }
 
 // 11. Without an instrument the bars' place says so.

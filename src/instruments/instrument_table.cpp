@@ -1,0 +1,355 @@
+// The seven instruments, one row each. Everything the code needs to know
+// about an instrument that is not the same for all stands here or in a hook
+// named here; the rest of the code asks the running program's row.
+#include "instruments/instrument.h"
+
+#include "core/main_menu_summary.h"
+#include "core/numeric.h"
+#include "core/state.h"
+#include "core/variant.h"
+#include "datafile/header_configuration.h"
+#include "session/model_status_texts.h"
+
+namespace {
+
+constexpr int32_t BLUE = 16711680;
+constexpr int32_t GREEN = 65280;
+constexpr int32_t RED = 255;
+constexpr int32_t MAGENTA = 16711935;
+constexpr int32_t CYAN = 16776960;    // (0, 255, 255)
+constexpr int32_t ORANGE = 4227327;   // (255, 128, 64)
+constexpr int K = KEEP_DEFAULT;
+
+constexpr unsigned MapMode(int mode) { return 1u << mode; }
+
+// Readings a Manual station takes, by the dipole and component settings.
+int OneReading(int, int) { return 1; }
+int ReadingsOfEm31(int dipole, int) { return dipole == 2 ? 2 : 1; }
+int ReadingsOfEm38(int dipole, int component) {
+  if (component != 0) return dipole == 2 ? 2 : 1;
+  return dipole == 2 ? 4 : 2;
+}
+int ReadingsOfEm343(int dipole, int) { return dipole + 1; }
+
+// The instrument's size on the main menu's picture, by its settings.
+void GradiometerPicture(double& width, double&, double&) {
+  width = Settings.SensorCount == 1 ? Settings.SensorSeparation : 0.0;
+}
+void Lx2Picture(double& width, double&, double&) { width = Settings.SensorCount == 1 ? 2.0 : 1.0; }
+void Em61Mk2Picture(double& width, double& length, double&) {
+  static const double Widths[] = {1.0, 0.5, 1.0, 0.5, 0.3};
+  static const double Lengths[] = {0.5, 1.0, 1.0, 0.5, 0.15};
+  if (Settings.SensorSize < 0 || Settings.SensorSize >= 5) return;
+  width = Widths[Settings.SensorSize];
+  length = Lengths[Settings.SensorSize];
+}
+void Em31Picture(double&, double& length, double&) {
+  if (Settings.CoilLengthType == 1) length = 2.0;
+}
+// The antenna is measured from the reference coil, half the picture's 10 m away.
+void Em343Picture(double&, double&, double& offsetY) {
+  if (Settings.Em34Reference == 0) offsetY += 5.0;
+  else if (Settings.Em34Reference == 1) offsetY -= 5.0;
+}
+
+// The EM34-3's dipole setting: in Auto it names dipole and separation, in
+// Manual the number of readings a station takes.
+void Em343DipoleSetting() {
+  const int dipole = Settings.DipoleMode;
+  if (Settings.SurveyMode == SURVEY_AUTO) {
+    static const int separations[6] = {10, 20, 40, 10, 20, 40};
+    if (dipole < 0 || dipole > 5) return;
+    Model.Em34DipoleChar = dipole < 3 ? 'V' : 'H';
+    Model.Em34Separation = separations[dipole];
+  } else {
+    Model.ManualReadingsPerStation = TruncToInt(dipole + 1.0);
+  }
+}
+
+// The EM61-MK2 ticks each wheel step, and each sixth reading in Manual.
+int Em61Mk2TickEvery(int surveyMode, int byRate) {
+  if (surveyMode == SURVEY_WHEEL) return 1;
+  if (surveyMode == SURVEY_MANUAL) return 6;
+  return byRate;
+}
+
+}  // namespace
+
+const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
+    {
+        .Model = Grad601,
+        .Name = "Grad601",
+        .Link = {.Form = LINK_PBAR_SENTENCES, .Start = START_READER_ONLY, .HighBaud = 0, .LinkTimeoutMs = 1000,
+                 .ReadTimeoutMultiplier = 10, .FrameMs = 91.0, .FrameLength = 9, .ReadingMessage = 1046,
+                 .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 4,
+                 .Supervision = SUPERVISE_PANEL_ONCE, .NullingStateAfterStart = -1, .ReadingTickIsByteTick = 1},
+        .Views = {.ChannelCount = 1, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
+                  .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
+                  .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
+                  .ScaleLabel = "%0.1f nT/m", .Scale2Label = nullptr, .AxisName = "Gradient [nT/m]",
+                  .Bars = {BAR_IN_DECAY, 16.0, 10.0, 3.0, 1}, .TwoSensorBars = {BAR_IN_PAIR, 16.0, 10.0, 3.0, 1},
+                  .NumbersRows = 6, .WideColourBar = 0, .RadioStartRow = 0, .RadioCount = 4, .MarkerLamps = 0,
+                  .AttitudeLabels = 1, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
+                  .HalfHeightNumbers = 1, .StatusTexts = nullptr},
+        .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = 0.0,
+                     .MapSwathIndex = 1, .ProfileLineWidth = {2, 3, K, K, K, K, K, K},
+                     .ProfileColor = {BLUE, GREEN, K, K, K, K, K, K}, .SensorCount = 1, .SwathBar = 0.5,
+                     .FilterFactor = 0.0},
+        .Commands = {.MonitoringMenu = 495, .StandByMenu = 496, .Nulling = 0, .Calibration = CALIBRATION_NONE,
+                     .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 0,
+                     .AppendCheck = 1, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
+                     .ChannelRadiosWithoutGps = 0, .ManualReadingsPerStation = OneReading,
+                     .AudioTickEveryForMode = nullptr},
+        .Store = {.Group = SETTINGS_GROUP_C, .Type = TYPE_NONE, .OffsetsInMetresOnly = 1,
+                  .Swath = SWATH_GRADIOMETER, .SwathCoilBase = 0.0, .CoilReference = 0, .AfterDipoleMode = nullptr},
+        .DataFile = {.MappingSignature = "KLV601 AW", .NavigationSignature = "LUM601 AW", .FileMark = "KLV601",
+                     .MarkReadLength = 6, .RecordForm = RECORD_GRADIENT_TEXT, .RecordFrameBytes = 0, .SignatureMarks = nullptr, .ZeroLevelRecords = 0,
+                     .FilterRecords = 0, .OffsetRecords = 0, .FastLinkInGpsRecord = 0,
+                     .ManualSamplesInHeader = 0, .GradientSeparationInHeader = 1, .ShortNavigationRecords = 0,
+                     .MappingFilter = "KLV601 Files (*.RGR)", .MappingPattern = "*.RGR",
+                     .NavigationFilter = "Lum601 Files (*.601)", .NavigationPattern = "*.601",
+                     .MappingDefaultExtension = "RGR", .NavigationDefaultExtension = "601",
+                     .HeaderConfiguration = GradiometerHeaderConfiguration},
+        .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_SENSORS, .DotRadius = 0.2, .Width = 0.0, .Length = 0.1, .PictureGeometry = GradiometerPicture,
+                     .SummaryCells = GradiometerSummaryCells},
+    },
+    {
+        .Model = EM61LX2,
+        .Name = "EM61-LX2",
+        .Link = {.Form = LINK_COMMAND_FRAMES, .Start = START_HANDSHAKE, .HighBaud = 0, .LinkTimeoutMs = 200,
+                 .ReadTimeoutMultiplier = 10, .FrameMs = 55.078211059704785, .FrameLength = 14,
+                 .ReadingMessage = 1044, .TwoSensorMessage = 1045, .TellsBySend = 1, .ReaderTickEvery = 9,
+                 .Supervision = SUPERVISE_RECONNECT, .NullingStateAfterStart = 0, .ReadingTickIsByteTick = 1},
+        .Views = {.ChannelCount = 3, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 2, 5, 2, 3, 6, 7},
+                  .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
+                  .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
+                  .ScaleLabel = "%0.1f mV", .Scale2Label = nullptr, .AxisName = nullptr,
+                  .Bars = {BAR_IN_DECAY, 16.0, 4.0, 1.0, 3}, .TwoSensorBars = {BAR_IN_PAIR, 16.0, 4.0, 1.0, 3},
+                  .NumbersRows = 6, .WideColourBar = 0, .RadioStartRow = 0, .RadioCount = 3, .MarkerLamps = 1,
+                  .AttitudeLabels = 0, .AttitudeDecoded = 0, .TightRowsInNarrowPortrait = 1,
+                  .HalfHeightNumbers = 0, .StatusTexts = nullptr},
+        .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 2, .NullingDone = 0, .GpsOffsetX = 0.0,
+                     .MapSwathIndex = 5, .ProfileLineWidth = {2, 3, 4, 2, 2, 3, 4, 1},
+                     .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
+                     .FilterFactor = 310.0},
+        .Commands = {.MonitoringMenu = 491, .StandByMenu = 492, .Nulling = 1, .Calibration = CALIBRATION_FILTER,
+                     .TargetAlarm = 1, .SoftMarkerKeys = 1, .WheelReader = 0, .StationConfirm = 0,
+                     .AppendCheck = 1, .SurveyModeInSummary = 1, .RateOnlyInAuto = 1,
+                     .ChannelRadiosWithoutGps = 0, .ManualReadingsPerStation = OneReading,
+                     .AudioTickEveryForMode = nullptr},
+        .Store = {.Group = SETTINGS_GROUP_B, .Type = TYPE_EM61, .OffsetsInMetresOnly = 0, .Swath = SWATH_COIL,
+                  .SwathCoilBase = 1.03, .CoilReference = 0, .AfterDipoleMode = nullptr},
+        .DataFile = {.MappingSignature = "KLVLX1  W", .NavigationSignature = "LUMLX1  W", .FileMark = "KLVLX",
+                     .MarkReadLength = 6, .RecordForm = RECORD_FRAME_BYTES, .RecordFrameBytes = 16, .SignatureMarks = Lx2SignatureMarks, .ZeroLevelRecords = 1,
+                     .FilterRecords = 1, .OffsetRecords = 0, .FastLinkInGpsRecord = 0,
+                     .ManualSamplesInHeader = 0, .GradientSeparationInHeader = 0, .ShortNavigationRecords = 0,
+                     .MappingFilter = "KLV61LX2 Files (*.RX2)", .MappingPattern = "*.RX2",
+                     .NavigationFilter = "Lum61LX2 Files (*.TX2)", .NavigationPattern = "*.TX2",
+                     // The EM61-LX2 borrows the EM61-MK2's default extensions, as it always has.
+                     .MappingDefaultExtension = "T61", .NavigationDefaultExtension = "P61",
+                     .HeaderConfiguration = Lx2HeaderConfiguration},
+        .MainMenu = {.GeometryButton = L"Alarms S&etup", .Picture = PICTURE_YELLOW_COILS, .DotRadius = 0.1, .Width = 1.0, .Length = 0.5, .PictureGeometry = Lx2Picture,
+                     .SummaryCells = Lx2SummaryCells},
+    },
+    {
+        .Model = EM61MK2,
+        .Name = "EM61-MK2",
+        .Link = {.Form = LINK_COMMAND_FRAMES, .Start = START_HANDSHAKE, .HighBaud = 0, .LinkTimeoutMs = 200,
+                 .ReadTimeoutMultiplier = 10, .FrameMs = 55.078211059704785, .FrameLength = 14,
+                 .ReadingMessage = 1034, .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 9,
+                 .Supervision = SUPERVISE_RECONNECT_POLLED, .NullingStateAfterStart = 0,
+                 .ReadingTickIsByteTick = 1},
+        .Views = {.ChannelCount = 4, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
+                  .SensorChoice = 0, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
+                  .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
+                  .ScaleLabel = "%0.1f mV", .Scale2Label = nullptr, .AxisName = nullptr,
+                  .Bars = {BAR_IN_DECAY, 21.0, 4.0, 1.0, 4}, .TwoSensorBars = {BAR_IN_DECAY, 21.0, 4.0, 1.0, 4},
+                  .NumbersRows = 4, .WideColourBar = 0, .RadioStartRow = 0, .RadioCount = 4, .MarkerLamps = 1,
+                  .AttitudeLabels = 1, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
+                  .HalfHeightNumbers = 0, .StatusTexts = Em61Mk2StatusTexts},
+        .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 3, .NullingDone = 0, .GpsOffsetX = 0.0,
+                     .MapSwathIndex = 5, .ProfileLineWidth = {2, 3, 4, 2, 2, 3, 4, 1},
+                     .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
+                     .FilterFactor = 0.0},
+        .Commands = {.MonitoringMenu = 493, .StandByMenu = 494, .Nulling = 1, .Calibration = CALIBRATION_NONE,
+                     .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 1, .StationConfirm = 0,
+                     .AppendCheck = 1, .SurveyModeInSummary = 1, .RateOnlyInAuto = 1,
+                     .ChannelRadiosWithoutGps = 0, .ManualReadingsPerStation = OneReading,
+                     .AudioTickEveryForMode = Em61Mk2TickEvery},
+        .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_EM61, .OffsetsInMetresOnly = 0, .Swath = SWATH_COIL,
+                  .SwathCoilBase = 0.0, .CoilReference = 0, .AfterDipoleMode = nullptr},
+        .DataFile = {.MappingSignature = "KLVMK2  W", .NavigationSignature = "LUMMK2  W", .FileMark = "KLVMK2",
+                     .MarkReadLength = 6, .RecordForm = RECORD_FRAME_BYTES, .RecordFrameBytes = 16, .SignatureMarks = Em61Mk2SignatureMarks, .ZeroLevelRecords = 1,
+                     .FilterRecords = 0, .OffsetRecords = 0, .FastLinkInGpsRecord = 1,
+                     .ManualSamplesInHeader = 0, .GradientSeparationInHeader = 0, .ShortNavigationRecords = 0,
+                     .MappingFilter = "KLV61MK2 Files (*.T61)", .MappingPattern = "*.T61",
+                     .NavigationFilter = "Lum61MK2 Files (*.P61)", .NavigationPattern = "*.P61",
+                     .MappingDefaultExtension = "T61", .NavigationDefaultExtension = "P61",
+                     .HeaderConfiguration = Em61Mk2HeaderConfiguration},
+        .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_RED_COIL, .DotRadius = 0.1, .Width = 1.0, .Length = 0.5, .PictureGeometry = Em61Mk2Picture,
+                     .SummaryCells = Em61Mk2SummaryCells},
+    },
+    {
+        .Model = EM31MK2,
+        .Name = "EM31-MK2",
+        .Link = {.Form = LINK_TEXT_FRAMES, .Start = START_FIRST_FRAME, .HighBaud = 0, .LinkTimeoutMs = 200,
+                 .ReadTimeoutMultiplier = 0, .FrameMs = 95.23809523809524, .FrameLength = 12,
+                 .ReadingMessage = 1036, .TwoSensorMessage = 0, .TellsBySend = 0, .ReaderTickEvery = 6,
+                 .Supervision = SUPERVISE_EACH_TICK, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0},
+        .Views = {.ChannelCount = 2, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
+                  .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2), .ScaleMin = 0,
+                  .ScaleMax = 500, .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 0, .DipoleAtStart = 0,
+                  .ScaleLabel = "%0.0fmS/m", .Scale2Label = "%0.0fppt", .AxisName = nullptr,
+                  .Bars = {BAR_IN_PAIR, 21.0, 9.0, 1.0, 2}, .TwoSensorBars = {BAR_IN_PAIR, 21.0, 9.0, 1.0, 2},
+                  .NumbersRows = 4, .WideColourBar = 1, .RadioStartRow = 2, .RadioCount = 2, .MarkerLamps = 0,
+                  .AttitudeLabels = 1, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
+                  .HalfHeightNumbers = 0, .StatusTexts = Em31StatusTexts},
+        .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
+                     .MapSwathIndex = 2, .ProfileLineWidth = {3, 2, 3, 2, 2, 2, 2, 2},
+                     .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
+                     .FilterFactor = 0.0},
+        .Commands = {.MonitoringMenu = 495, .StandByMenu = 496, .Nulling = 0, .Calibration = CALIBRATION_NONE,
+                     .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 0,
+                     .AppendCheck = 1, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
+                     .ChannelRadiosWithoutGps = 0, .ManualReadingsPerStation = ReadingsOfEm31,
+                     .AudioTickEveryForMode = nullptr},
+        .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_COIL_LENGTH, .OffsetsInMetresOnly = 0,
+                  .Swath = SWATH_BY_INDEX, .SwathCoilBase = 0.0, .CoilReference = 0, .AfterDipoleMode = nullptr},
+        .DataFile = {.MappingSignature = "KLV31   W", .NavigationSignature = "LUM31   W", .FileMark = "KLV31",
+                     .MarkReadLength = 5, .RecordForm = RECORD_FRAME_TEXT, .RecordFrameBytes = 0, .SignatureMarks = nullptr, .ZeroLevelRecords = 0,
+                     .FilterRecords = 0, .OffsetRecords = 0, .FastLinkInGpsRecord = 0,
+                     .ManualSamplesInHeader = 1, .GradientSeparationInHeader = 0, .ShortNavigationRecords = 1,
+                     .MappingFilter = "KLV31 Files (*.T31)", .MappingPattern = "*.T31",
+                     .NavigationFilter = "Lum31 Files (*.H31)", .NavigationPattern = "*.H31",
+                     .MappingDefaultExtension = "T31", .NavigationDefaultExtension = "H31",
+                     .HeaderConfiguration = CoilLengthHeaderConfiguration},
+        .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BOOM, .DotRadius = 0.18, .Width = 0.16, .Length = 3.6, .PictureGeometry = Em31Picture,
+                     .SummaryCells = Em31SummaryCells},
+    },
+    {
+        .Model = EM38,
+        .Name = "EM38",
+        .Link = {.Form = LINK_TEXT_FRAMES, .Start = START_LENGTH_CHECK, .HighBaud = 0, .LinkTimeoutMs = 200,
+                 .ReadTimeoutMultiplier = 0, .FrameMs = 0.0, .FrameLength = 0, .ReadingMessage = 1037,
+                 .TwoSensorMessage = 0, .TellsBySend = 0, .ReaderTickEvery = 6, .Supervision = SUPERVISE_NONE,
+                 .NullingStateAfterStart = -1, .ReadingTickIsByteTick = 0},
+        .Views = {.ChannelCount = 2, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
+                  .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2), .ScaleMin = 0,
+                  .ScaleMax = 500, .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 2, .DipoleAtStart = 0,
+                  .ScaleLabel = "%0.0fmS/m", .Scale2Label = "%0.0fppt", .AxisName = nullptr,
+                  .Bars = {BAR_IN_PAIR, 21.0, 9.0, 1.0, 2}, .TwoSensorBars = {BAR_IN_PAIR, 21.0, 9.0, 1.0, 2},
+                  .NumbersRows = 4, .WideColourBar = 0, .RadioStartRow = 2, .RadioCount = 2, .MarkerLamps = 0,
+                  .AttitudeLabels = 0, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
+                  .HalfHeightNumbers = 0, .StatusTexts = Em38StatusTexts},
+        .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
+                     .MapSwathIndex = 1, .ProfileLineWidth = {3, 2, 3, 2, 2, 2, 2, 2},
+                     .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
+                     .FilterFactor = 0.0},
+        .Commands = {.MonitoringMenu = 495, .StandByMenu = 496, .Nulling = 0, .Calibration = CALIBRATION_NONE,
+                     .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 0,
+                     .AppendCheck = 1, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
+                     .ChannelRadiosWithoutGps = 1, .ManualReadingsPerStation = ReadingsOfEm38,
+                     .AudioTickEveryForMode = nullptr},
+        .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_COIL_LENGTH, .OffsetsInMetresOnly = 0,
+                  .Swath = SWATH_BY_INDEX, .SwathCoilBase = 0.0, .CoilReference = 0, .AfterDipoleMode = nullptr},
+        .DataFile = {.MappingSignature = "KLV38   W", .NavigationSignature = "LUM38   W", .FileMark = "KLV38",
+                     .MarkReadLength = 5, .RecordForm = RECORD_FRAME_TEXT, .RecordFrameBytes = 0, .SignatureMarks = nullptr, .ZeroLevelRecords = 0,
+                     .FilterRecords = 0, .OffsetRecords = 0, .FastLinkInGpsRecord = 0,
+                     .ManualSamplesInHeader = 1, .GradientSeparationInHeader = 0, .ShortNavigationRecords = 0,
+                     // The EM38's save dialog has no filter, as it always had.
+                     .MappingFilter = nullptr, .MappingPattern = nullptr, .NavigationFilter = nullptr,
+                     .NavigationPattern = nullptr, .MappingDefaultExtension = "T38",
+                     .NavigationDefaultExtension = "H38", .HeaderConfiguration = CoilLengthHeaderConfiguration},
+        .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BAR, .DotRadius = 0.1, .Width = 0.05, .Length = 1.0, .PictureGeometry = nullptr,
+                     .SummaryCells = Em38SummaryCells},
+    },
+    {
+        .Model = EM343,
+        .Name = "EM34-3",
+        .Link = {.Form = LINK_TEXT_FRAMES, .Start = START_FIRST_FRAME, .HighBaud = 0, .LinkTimeoutMs = 200,
+                 .ReadTimeoutMultiplier = 0, .FrameMs = 0.0, .FrameLength = 12, .ReadingMessage = 1043,
+                 .TwoSensorMessage = 0, .TellsBySend = 0, .ReaderTickEvery = 6,
+                 .Supervision = SUPERVISE_BATTERY_SAVE, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0},
+        .Views = {.ChannelCount = 1, .DisplayCurveCount = 6, .ProfileChannelOrder = {0, 1, 2, 3, 4, 5, 6, 7},
+                  .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 500,
+                  .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 2, .DipoleAtStart = 0,
+                  .ScaleLabel = "%0.0fmS/m", .Scale2Label = nullptr, .AxisName = nullptr,
+                  .Bars = {BAR_IN_Q, 21.0, 15.0, 3.0, 1}, .TwoSensorBars = {BAR_IN_Q, 21.0, 15.0, 3.0, 1},
+                  .NumbersRows = 4, .WideColourBar = 0, .RadioStartRow = 2, .RadioCount = 2, .MarkerLamps = 0,
+                  .AttitudeLabels = 0, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
+                  .HalfHeightNumbers = 0, .StatusTexts = Em343StatusTexts},
+        .Defaults = {.DisplayCurveCount = 6, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = 0.0,
+                     .MapSwathIndex = 2, .ProfileLineWidth = {3, 3, 3, 2, 2, 2, K, K},
+                     .ProfileColor = {BLUE, GREEN, RED, CYAN, ORANGE, MAGENTA, K, K}, .SensorCount = K,
+                     .SwathBar = 0.0, .FilterFactor = 0.0},
+        .Commands = {.MonitoringMenu = 495, .StandByMenu = 496, .Nulling = 0, .Calibration = CALIBRATION_NONE,
+                     .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 1,
+                     .AppendCheck = 0, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
+                     .ChannelRadiosWithoutGps = 1, .ManualReadingsPerStation = ReadingsOfEm343,
+                     .AudioTickEveryForMode = nullptr},
+        .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_COIL_LENGTH, .OffsetsInMetresOnly = 0,
+                  .Swath = SWATH_BY_INDEX, .SwathCoilBase = 0.0, .CoilReference = 1, .AfterDipoleMode = Em343DipoleSetting},
+        .DataFile = {.MappingSignature = "KLV343  W", .NavigationSignature = "LUM343  W", .FileMark = "KLV34-3",
+                     .MarkReadLength = 7, .RecordForm = RECORD_FRAME_TEXT, .RecordFrameBytes = 0, .SignatureMarks = nullptr, .ZeroLevelRecords = 0,
+                     .FilterRecords = 0, .OffsetRecords = 0, .FastLinkInGpsRecord = 0,
+                     .ManualSamplesInHeader = 1, .GradientSeparationInHeader = 0, .ShortNavigationRecords = 0,
+                     .MappingFilter = "KLV34-3 Files (*.T34)", .MappingPattern = "*.T34",
+                     .NavigationFilter = "Lum34-3 Files (*.H34)", .NavigationPattern = "*.H34",
+                     .MappingDefaultExtension = "T34", .NavigationDefaultExtension = "H34",
+                     .HeaderConfiguration = CoilReferenceHeaderConfiguration},
+        .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_END_COILS, .DotRadius = 0.6, .Width = 1.2, .Length = 10.0, .PictureGeometry = Em343Picture,
+                     .SummaryCells = Em343SummaryCells},
+    },
+    {
+        .Model = EM38MK2,
+        .Name = "EM38-MK2",
+        .Link = {.Form = LINK_BINARY_FRAMES, .Start = START_FIRST_FRAME, .HighBaud = 1, .LinkTimeoutMs = 500,
+                 .ReadTimeoutMultiplier = 0, .FrameMs = 47.0, .FrameLength = 14, .ReadingMessage = 1040,
+                 .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 10,
+                 .Supervision = SUPERVISE_EACH_TICK, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0},
+        .Views = {.ChannelCount = 4, .DisplayCurveCount = 8, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
+                  .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2) | MapMode(4),
+                  .ScaleMin = 0, .ScaleMax = 1000, .Scale2Min = 0, .Scale2Max = 1500, .ComponentAtStart = 0,
+                  .DipoleAtStart = 0, .ScaleLabel = "%0.0fmS/m", .Scale2Label = "%0.0fppt", .AxisName = nullptr,
+                  .Bars = {BAR_IN_PAIR, 21.0, 4.0, 1.0, 4}, .TwoSensorBars = {BAR_IN_PAIR, 21.0, 4.0, 1.0, 4},
+                  .NumbersRows = 4, .WideColourBar = 1, .RadioStartRow = 0, .RadioCount = 4, .MarkerLamps = 0,
+                  .AttitudeLabels = 1, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
+                  .HalfHeightNumbers = 0, .StatusTexts = nullptr},
+        .Defaults = {.DisplayCurveCount = 8, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
+                     .MapSwathIndex = 1, .ProfileLineWidth = {3, 3, 3, 3, 2, 2, 2, 2},
+                     .ProfileColor = {BLUE, GREEN, RED, ORANGE, BLUE, GREEN, RED, ORANGE}, .SensorCount = K,
+                     .SwathBar = 0.0, .FilterFactor = 0.0},
+        .Commands = {.MonitoringMenu = 497, .StandByMenu = 498, .Nulling = 0, .Calibration = CALIBRATION_OFFSETS,
+                     .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 0,
+                     .AppendCheck = 1, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
+                     .ChannelRadiosWithoutGps = 0, .ManualReadingsPerStation = ReadingsOfEm31,
+                     .AudioTickEveryForMode = nullptr},
+        .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_EM38MK2, .OffsetsInMetresOnly = 0,
+                  .Swath = SWATH_BY_INDEX, .SwathCoilBase = 0.0, .CoilReference = 0, .AfterDipoleMode = nullptr},
+        .DataFile = {.MappingSignature = "KLV38MK2W", .NavigationSignature = "LUM382  W", .FileMark = "KLV38MK2",
+                     .MarkReadLength = 8, .RecordForm = RECORD_FRAME_BYTES, .RecordFrameBytes = 14, .SignatureMarks = nullptr, .ZeroLevelRecords = 0,
+                     .FilterRecords = 0, .OffsetRecords = 1, .FastLinkInGpsRecord = 0,
+                     .ManualSamplesInHeader = 1, .GradientSeparationInHeader = 0, .ShortNavigationRecords = 0,
+                     .MappingFilter = "KLV38MK2 Files (*.TM8)", .MappingPattern = "*.TM8",
+                     .NavigationFilter = "Lum38MK2 Files (*.382)", .NavigationPattern = "*.382",
+                     .MappingDefaultExtension = "TM8", .NavigationDefaultExtension = "382",
+                     .HeaderConfiguration = Em38Mk2HeaderConfiguration},
+        .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BAR_MK2, .DotRadius = 0.1, .Width = 0.04, .Length = 1.0, .PictureGeometry = nullptr,
+                     .SummaryCells = Em38Mk2SummaryCells},
+    },
+};
+
+const InstrumentDescription& InstrumentOf(int model) {
+  for (const InstrumentDescription& row : InstrumentTable)
+    if (row.Model == model) return row;
+  return InstrumentTable[3];
+}
+
+const InstrumentDescription& Instrument() { return InstrumentOf(InstrumentModel); }
+
+bool TwoSensorsInUse() { return Instrument().Views.SensorChoice && Settings.SensorCount == 1; }
+
+bool SecondScaleForMapMode(int mapDisplayMode) {
+  if (mapDisplayMode < 0 || mapDisplayMode > 31) return false;
+  return (Instrument().Views.SecondScaleMapModes & (1u << mapDisplayMode)) != 0;
+}
