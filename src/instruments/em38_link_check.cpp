@@ -11,7 +11,7 @@ namespace {
 uint32_t Since(uint32_t mark) { return TickNow() - mark; }
 
 // Counts from a 'T' to the CR; -1 when no CR came in time.
-int CountToCarriageReturn(const LinkByteSource& port) {
+int CountToCarriageReturn(const LinkPort& port) {
   int count = 1;
   const uint32_t mark = TickNow();
   while (Since(mark) < (uint32_t)EM38_FIND_CR_MS) {
@@ -25,7 +25,7 @@ int CountToCarriageReturn(const LinkByteSource& port) {
 
 }  // namespace
 
-int Em38LinkCheckWith(const LinkByteSource& port) {
+int Em38LinkCheckWith(const LinkPort& port) {
   Link.FrameLength = 7;
   if (port.Delay) port.Delay(10);
   if (!port.ReadByte) return 0;

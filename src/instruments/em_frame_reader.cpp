@@ -4,7 +4,7 @@
 
 #include "core/numeric.h"
 #include "core/state.h"
-#include "core/variant.h"
+#include "instruments/instrument.h"
 
 FrameReaderRecord FrameReader;
 
@@ -47,7 +47,8 @@ int GoodFrame(int start, int length, uint32_t now) {
 
 void StartFrameReader() {
   Link.ReaderCount = 0;
-  if (InstrumentModel != EM38) Link.FrameLength = 12;
+  // A measured length (0 in the row) stays as the link check found it.
+  if (Instrument().Link.FrameLength > 0) Link.FrameLength = Instrument().Link.FrameLength;
   FrameReader.Index = 0;
   FrameReader.AudioCount = 0;
 }
@@ -79,11 +80,7 @@ int FrameReaderByte(unsigned char byte, uint32_t now) {
   return what;
 }
 
-unsigned FrameReaderMessage() {
-  if (InstrumentModel == EM38) return WM_READING_EM38;
-  if (InstrumentModel == EM343) return WM_READING_EM34;
-  return WM_READING_EM31;
-}
+unsigned FrameReaderMessage() { return Instrument().Link.ReadingMessage; }
 
 int KeepEveryNthFor(double sampleIntervalSeconds, double frameMs) {
   if (!(frameMs > 0.0)) return 1;

@@ -6,9 +6,7 @@
 #pragma once
 #include <cstdint>
 
-constexpr unsigned WM_READING_EM31 = 1036;
-constexpr unsigned WM_READING_EM38 = 1037;
-constexpr unsigned WM_READING_EM34 = 1043;
+#include "instruments/reading.h"
 
 constexpr int FRAME_LINE_BYTES = 200;
 constexpr int FRAME_LINE_LIMIT = 180;     // a longer line without its CR is thrown away

@@ -12,6 +12,8 @@
 
 struct SummaryRow;
 struct ModelStatusTexts;
+struct ReadingOutcome;
+struct LinkPort;
 
 // How the instrument talks on its serial line.
 enum LinkForm {
@@ -98,6 +100,17 @@ struct LinkDescription {
   LinkSupervisionForm Supervision;
   int NullingStateAfterStart;      // NullingState once the link is proven
   int ReadingTickIsByteTick;       // the record's tick: 1 LastByteTick, 0 LastReadingTick
+  // The reader thread's framer: started once, then fed each byte with its
+  // tick; returns FRAME_TELL_SCREEN and FRAME_PLAY_TICK bits.
+  void (*StartFramer)();
+  int (*FramerByte)(unsigned char byte, uint32_t now);
+  // START_LENGTH_CHECK and START_HANDSHAKE: 1 when the instrument answered.
+  int (*CheckLink)(const LinkPort& port);
+};
+
+// The reading handler on the main thread.
+struct ReadingDescription {
+  void (*Handle)(ReadingOutcome& out);   // nullptr: readings are not yet handled
 };
 
 // Channels, scales and the views.
@@ -115,6 +128,7 @@ struct ViewDescription {
   const char* ScaleLabel;          // end labels of the reading scale
   const char* Scale2Label;         // and of the second, nullptr if none
   const char* AxisName;            // under the numbers, nullptr if none
+  int InphaseOnlyMapMode;          // the map channel when only the inphase is read, 0 if none
   BarPlan Bars;                    // one sensor
   BarPlan TwoSensorBars;           // two sensors (SensorChoice only)
   int NumbersRows;                 // rows of the numbers panel: 6 or 4
@@ -233,6 +247,7 @@ struct InstrumentDescription {
   int Model;                       // InstrumentModel
   const char* Name;                // "EM31-MK2"
   LinkDescription Link;
+  ReadingDescription Reading;
   ViewDescription Views;
   DefaultsDescription Defaults;
   CommandsDescription Commands;

@@ -10,7 +10,7 @@
 #include "core/text.h"
 #include "core/ticks.h"
 #include "datafile/records.h"
-#include "instruments/em_frame_reader_win.h"
+#include "instruments/instrument_reader_win.h"
 #include "instruments/link_supervision.h"
 #include "instruments/serial_ports_win.h"
 
@@ -92,7 +92,7 @@ void Reconnect() {
   OpenInstrumentPortWithTries();
   DelayMs(10);
   Link.LastReadingTick = TickNow();
-  StartEmFrameReader();
+  StartInstrumentReader();
   if (LinkSupervision.ClearStripFlags) LinkSupervision.ClearStripFlags();
   SetTimer(Windows.ScreenLog, SESSION_TIMER_ID, SESSION_TIMER_MS, nullptr);
   InvalidateRect(Windows.ScreenLog, nullptr, TRUE);

@@ -12,8 +12,10 @@
 #include "gps/nmea_receiver.h"
 #include "gps/position_pipeline_win.h"
 #include "instruments/em_frame_reader.h"
+#include "instruments/reading.h"
 #include "map/map_canvas_win.h"
 #include "map/map_surface.h"
+#include "session/reading_screen_win.h"
 #include "session/session_win.h"
 
 LoggingWindowsRecord LoggingWindows;
@@ -129,8 +131,11 @@ const MessageRow LoggingScreenMessages[] = {
     {WM_KEY_SHARED, LoggingCommandOrKey}, {WM_KEYUP, LoggingKeyUp},
     {WM_PAINT, OnPaint},               {WM_TIMER, LoggingTimer},
     {WM_GPS_POSITION, HandleGpsPosition}, {WM_GPS_GSA, HandleGpsGsa},
-    {WM_READING_EM31, LoggingEmReading},  {WM_READING_EM38, LoggingEmReading},
-    {WM_READING_EM34, LoggingEmReading},
+    // Every instrument's reading goes to the one handler.
+    {WM_READING_EM61, LoggingReading},    {WM_READING_EM31, LoggingReading},
+    {WM_READING_EM38, LoggingReading},    {WM_READING_EM38MK2, LoggingReading},
+    {WM_READING_EM34, LoggingReading},    {WM_READING_LX2_ONE, LoggingReading},
+    {WM_READING_LX2_TWO, LoggingReading}, {WM_READING_GRAD601, LoggingReading},
 };
 
 }  // namespace

@@ -489,20 +489,6 @@ LRESULT LoggingCommandOrKey(HWND screen, UINT message, WPARAM wParam, LPARAM) {
   return 0;
 }
 
-// A reading of the EM31-MK2, EM34-3 or EM38. The reading's own display and
-// record come with the instrument's handler; what is done here already is
-// that a frame ends the lost-connection notice, since the link counts as
-// healthy again at the next frame, and the frame is marked as taken.
-LRESULT LoggingEmReading(HWND screen, UINT, WPARAM, LPARAM) {
-  RECT& shown = LinkPanels.Drawn;
-  if (shown.right > shown.left) {
-    RedrawWindow(screen, &shown, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
-    shown = RECT{};
-  }
-  Link.FrameBuffer[0] = 0;
-  return 0;
-}
-
 LRESULT LoggingKeyUp(HWND, UINT, WPARAM wParam, LPARAM) {
   // A soft marker lasts as long as its key is held.
   if (Settings.SoftMarkerKey == 1 && IsSoftMarkerKey((int)wParam)) Model.SoftMarkerDown = 0;

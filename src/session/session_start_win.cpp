@@ -11,7 +11,8 @@
 #include "gps/gps_reader_win.h"
 #include "gps/nmea_format.h"
 #include "gps/position_pipeline.h"
-#include "instruments/em_frame_reader_win.h"
+#include "instruments/instrument.h"
+#include "instruments/instrument_reader_win.h"
 #include "instruments/link_supervision.h"
 #include "instruments/serial_ports_win.h"
 #include "map/live_map.h"
@@ -151,28 +152,15 @@ int OpenSessionPorts() {
   return 0;
 }
 
-// Step 17: the instrument's proof of life and its reader. The EM61 family's
-// handshake and the gradiometer's reader come with their own links; until
-// then an EM61 cannot connect, and a gradiometer runs without a reader, which
-// its supervision shows as a lost connection.
+// Step 17: the instrument's proof of life and its reader, by its row.
 int StartInstrumentLink() {
   if (Settings.InstrumentEnabled <= 0) return 1;
-  switch (InstrumentModel) {
-    case EM31MK2:
-    case EM343:
-    case EM38:
-      if (InstrumentModel == EM31MK2 && !IsNavigation() && Settings.Component == 1) Settings.MapDisplayMode = 2;
-      if (StartEmFrameLink() != 1) return 0;
-      if (InstrumentModel != EM38) Model.NullingState = 1;
-      return 1;
-    case Grad601:
-      DelayMs(50);
-      return 1;
-    default:
-      ShowMessage(Windows.Frame, L"MESSAGEOK", L"Connection Issue",
-                  L"Instrument OFF or Disconnected, or wrong COM port selected");
-      return 0;
-  }
+  const InstrumentDescription& row = Instrument();
+  if (row.Views.InphaseOnlyMapMode > 0 && !IsNavigation() && Settings.Component == 1)
+    Settings.MapDisplayMode = row.Views.InphaseOnlyMapMode;
+  if (ProveInstrumentLink() != 1) return 0;
+  if (row.Link.NullingStateAfterStart >= 0) Model.NullingState = row.Link.NullingStateAfterStart;
+  return 1;
 }
 
 // Step 18: the map window and the GPS reader, created suspended.

@@ -35,4 +35,3 @@ void RepaintLoggingScreen();
 LRESULT LoggingCommandOrKey(HWND screen, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT LoggingTimer(HWND screen, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT LoggingKeyUp(HWND screen, UINT message, WPARAM wParam, LPARAM lParam);
-LRESULT LoggingEmReading(HWND screen, UINT message, WPARAM wParam, LPARAM lParam);

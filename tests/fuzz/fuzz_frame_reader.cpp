@@ -67,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   ScriptAt = 0;
   Clock = 0xFFFFF000u;
   TickOverride = ScriptClock;
-  LinkByteSource port{ScriptRead, ScriptDelay};
+  LinkPort port{ScriptRead, nullptr, nullptr, ScriptDelay};
   const int found = Em38LinkCheckWith(port);
   TickOverride = nullptr;
   Require(found == 0 || Link.FrameLength == 7 || Link.FrameLength == 12);

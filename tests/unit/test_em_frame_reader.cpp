@@ -71,7 +71,7 @@ int CheckWith(const std::string& bytes, bool repeat) {
   Port.Bytes = bytes;
   Port.Repeat = repeat;
   TickOverride = PortClock;
-  LinkByteSource source{ScriptedRead, ScriptedDelay};
+  LinkPort source{ScriptedRead, nullptr, nullptr, ScriptedDelay};
   const int result = Em38LinkCheckWith(source);
   TickOverride = nullptr;
   return result;

@@ -1,0 +1,32 @@
+// The logging screen's one reading handler: every instrument's reading
+// message comes here; the instrument's row decides, and this applies what
+// it decided.
+#include "session/reading_screen_win.h"
+
+#include "core/platform_win.h"
+#include "core/state.h"
+#include "instruments/link_supervision_win.h"
+#include "instruments/reading.h"
+
+namespace {
+
+// A frame ends the lost-connection notice: the link counts as healthy again.
+void EndLostLinkNotice(HWND screen) {
+  RECT& shown = LinkPanels.Drawn;
+  if (shown.right <= shown.left) return;
+  RedrawWindow(screen, &shown, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+  shown = RECT{};
+}
+
+void ApplyReadingOutcome(HWND screen, const ReadingOutcome& out) {
+  if (out.EndLostLink) EndLostLinkNotice(screen);
+}
+
+}  // namespace
+
+LRESULT LoggingReading(HWND screen, UINT, WPARAM, LPARAM) {
+  ReadingOutcome out;
+  HandleReading(out);
+  ApplyReadingOutcome(screen, out);
+  return 0;
+}

@@ -1,0 +1,5 @@
+// The logging screen's handler of every instrument's reading message.
+#pragma once
+#include <windows.h>
+
+LRESULT LoggingReading(HWND screen, UINT message, WPARAM wParam, LPARAM lParam);
