@@ -8,6 +8,7 @@
 #include "core/settings.h"
 #include "core/startup_layout.h"
 #include "core/state.h"
+#include "instruments/instrument.h"
 #include "core/text.h"
 #include "core/ticks.h"
 #include "core/variant.h"
@@ -35,7 +36,7 @@ const MainButtonRow MainButtonTable[MAIN_BUTTON_COUNT] = {
 MainMenuLayout CurrentLayout;
 
 const wchar_t* MainButtonLabel(int index) {
-  if (index == 3 && InstrumentModel == EM61LX2) return L"Alarms S&etup";
+  if (index == 3) return Instrument().MainMenu.GeometryButton;
   return MainButtonTable[index].Label;
 }
 
@@ -80,7 +81,7 @@ LRESULT OnCreate(HWND frame, UINT, WPARAM, LPARAM) {
   LoadSettings(SETTINGS_LOAD);
   SampleRateDerived();
   InitReadingScales();
-  if (InstrumentModel == Grad601) Settings.GeometryUnits = 0;
+  if (Instrument().Store.OffsetsInMetresOnly) Settings.GeometryUnits = 0;
 
   CreateFonts();
   HDC dc = GetDC(frame);
@@ -92,7 +93,7 @@ LRESULT OnCreate(HWND frame, UINT, WPARAM, LPARAM) {
   ReleaseDC(frame, dc);
   Screen.TextHeight = metrics.tmHeight;
   Screen.TextAveWidth = metrics.tmAveCharWidth;
-  Screen.RowPitch = RowPitchFor(metrics.tmHeight, InstrumentModel, Screen.PortraitLayout, Screen.ClientWidth);
+  Screen.RowPitch = RowPitchFor(metrics.tmHeight, Instrument().Model, Screen.PortraitLayout, Screen.ClientWidth);
 
   CreateMainButtons(frame);
 

@@ -1,6 +1,7 @@
 #include "core/startup_layout.h"
 
 #include "core/variant.h"
+#include "instruments/instrument.h"
 
 MainWindowPlacement PlaceMainWindow(int screenWidth, int screenHeight) {
   MainWindowPlacement p{};
@@ -32,7 +33,8 @@ int LargeScreenTextFor(int portrait, int clientWidth, int clientHeight) {
 }
 
 int RowPitchFor(int textHeight, int instrumentModel, int portrait, int clientWidth) {
-  if (instrumentModel == EM61LX2 && portrait && clientWidth < 640) return textHeight - 1;
+  if (InstrumentOf(instrumentModel).Views.TightRowsInNarrowPortrait && portrait && clientWidth < 640)
+    return textHeight - 1;
   return textHeight + 2;
 }
 

@@ -1,7 +1,7 @@
 #include "core/swath.h"
 
 #include "core/state.h"
-#include "core/variant.h"
+#include "instruments/instrument.h"
 
 namespace {
 
@@ -61,10 +61,14 @@ void GradSwathDerived() {
 }
 
 void SwathForSettingsReader() {
-  switch (InstrumentModel) {
-    case Grad601: GradSwathDerived(); break;
-    case EM61LX2: SwathEm61Lx2(1.03); break;
-    case EM61MK2: SwathEm61Mk2(2.0); break;
-    default: SwathByMapIndex(); break;
+  const StoreDescription& store = Instrument().Store;
+  switch (store.Swath) {
+    case SWATH_GRADIOMETER: GradSwathDerived(); break;
+    case SWATH_COIL:
+      // A coil base in the row is the array's own; without one the base follows the sensor size.
+      if (store.SwathCoilBase > 0.0) SwathEm61Lx2(store.SwathCoilBase);
+      else SwathEm61Mk2(2.0);
+      break;
+    case SWATH_BY_INDEX: SwathByMapIndex(); break;
   }
 }

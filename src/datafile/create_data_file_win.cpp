@@ -9,6 +9,7 @@
 #include "core/program_win.h"
 #include "core/settings.h"
 #include "core/state.h"
+#include "instruments/instrument.h"
 #include "core/text.h"
 #include "core/variant.h"
 #include "datafile/file_name.h"
@@ -76,11 +77,12 @@ bool FileExists(const wchar_t* path) {
 // Own or foreign, from the first bytes of an existing file.
 int ClassifyExistingFile(HANDLE file) {
   char bytes[16] = {};
-  const int wanted = FileMarkReadLength(InstrumentModel);
+  const int model = Instrument().Model;
+  const int wanted = FileMarkReadLength(model);
   DWORD got = 0;
   ReadFile(file, bytes, (DWORD)wanted, &got, nullptr);
   if ((int)got == wanted) SetFilePointer(file, 0, nullptr, FILE_BEGIN);
-  return ExistingFileResult(bytes, (int)got, InstrumentModel);
+  return ExistingFileResult(bytes, (int)got, model);
 }
 
 // A new or foreign file gets its header, first line header and time mark,
@@ -99,7 +101,7 @@ void StartFileRecords(int result) {
 }  // namespace
 
 int CreateDataFile(HWND owner) {
-  const DataFileKind kind = DataFileKindOf(InstrumentModel, ProductMode, Settings.InstrumentEnabled);
+  const DataFileKind kind = DataFileKindOf(Instrument().Model, ProductMode, Settings.InstrumentEnabled);
   wchar_t path[DIALOG_PATH_CHARS];
   int result = DATA_FILE_NEW;
   for (;;) {

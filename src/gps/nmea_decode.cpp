@@ -6,6 +6,7 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "core/variant.h"
+#include "instruments/instrument.h"
 #include "gps/coordinates.h"
 #include "gps/gps_sentence.h"
 #include "gps/nmea_format.h"
@@ -201,8 +202,8 @@ void DecodeSlamConfidence(Decoding& d, const char* field, int found) {
 }
 
 void DecodeAttitude(Decoding& d, const char* field, int found, int kind) {
-  // The EM61-LX2 screen has no room for the attitude.
-  if (!found || InstrumentModel == EM61LX2) return;
+  // Some screens have no room for the attitude.
+  if (!found || !Instrument().Views.AttitudeDecoded) return;
   const double value = AsciiToDouble(field);
   char text[GPS_FIELD_TEXT_BYTES];
   FormatNarrow(text, sizeof text, "%8.3f", value);

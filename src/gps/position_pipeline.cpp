@@ -4,6 +4,7 @@
 
 #include "core/text.h"
 #include "core/variant.h"
+#include "instruments/instrument.h"
 #include "gps/fix_grid.h"
 #include "gps/nmea_receiver.h"
 #include "gps/reading_bucket.h"
@@ -55,11 +56,10 @@ void JudgeAndBlink(PositionOutcome& out) {
   out.PlayWarning = out.Verdict == 0 && GpsReceiver.GpsBreakFlag == 0 && Settings.GpsAudioWarning != 0;
 }
 
-// The EM61 family holds its commands until normalising ends; that end
-// enables them itself once a position has come.
+// An instrument with nulling holds its commands until normalising ends; that
+// end enables them itself once a position has come.
 bool StartControlsWaiting() {
-  const bool em61 = InstrumentModel == EM61MK2 || InstrumentModel == EM61LX2;
-  return !(em61 && Settings.InstrumentEnabled > 0 && Model.NullingState != 1);
+  return !(Instrument().Commands.Nulling && Settings.InstrumentEnabled > 0 && Model.NullingState != 1);
 }
 
 void AddMapCall(PositionOutcome& out, double distance) {

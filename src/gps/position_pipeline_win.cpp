@@ -11,6 +11,7 @@
 #include "core/platform_win.h"
 #include "core/program_win.h"
 #include "core/state.h"
+#include "instruments/instrument.h"
 #include "core/variant.h"
 #include "gps/gps_fields_win.h"
 #include "gps/position_pipeline.h"
@@ -85,11 +86,14 @@ void DrawIndicator(HDC dc, const PositionOutcome& out) {
   DrawIndicatorCircle(dc, LoggingLayout.Indicators[1], firstColoured ? Tools.BrushWhite : verdict);
 }
 
-// The view buttons beside the numbers: three and three for the EM61-LX2,
-// four otherwise.
+// The view buttons beside the numbers: the first sensor's and, from their own
+// slot on, the second sensor's.
 void EnableViewButtons() {
+  const ViewDescription& views = Instrument().Views;
   for (int i = 0; i < CHANNEL_RADIO_SLOTS; ++i) {
-    const bool used = InstrumentModel == EM61LX2 ? (i < 3 || (i >= 4 && i < 7)) : i < 4;
+    const int second = i - SECOND_SENSOR_RADIO_SLOT;
+    const bool used = i < SECOND_SENSOR_RADIO_SLOT ? i < views.RadioCount
+                                                   : second < views.SecondSensorRadios;
     if (used && LoggingWindows.Radios[i]) EnableWindow(LoggingWindows.Radios[i], TRUE);
   }
 }

@@ -132,9 +132,12 @@ struct ViewDescription {
   BarPlan Bars;                    // one sensor
   BarPlan TwoSensorBars;           // two sensors (SensorChoice only)
   int NumbersRows;                 // rows of the numbers panel: 6 or 4
+  double BarLabelRows;             // text rows left under the bars
   int WideColourBar;               // the colour legend is 244 wide, not 142
   int RadioStartRow;               // channel radios start at this reading row
   int RadioCount;                  // radios of the first sensor
+  int SecondSensorRadios;          // radios of the second sensor, with two sensors
+  int ChannelRadios;               // the colour channel radios exist at all
   int MarkerLamps;                 // "E" and "L" marker lamps in the map title row
   int AttitudeLabels;              // the "R:", "P:", "Y:" labels of a SLAM source are painted
   int AttitudeDecoded;             // roll, pitch and yaw are decoded (no room on some screens)
@@ -173,9 +176,13 @@ struct CommandsDescription {
   int AppendCheck;                 // an existing file is held against the settings
   int SurveyModeInSummary;         // the summary's first row shows the survey mode
   int RateOnlyInAuto;              // "Update Rate:" reads N/A outside Auto
-  int ChannelRadiosWithoutGps;     // the set buttons wait for a first reading even without GPS
+  int SetButtonsWaitForReading;    // the set buttons wait for a first reading even without GPS
+  // Readings a Manual station takes, by the dipole and component settings;
+  // nullptr for an instrument whose stations take one reading.
   int (*ManualReadingsPerStation)(int dipoleMode, int component);
   int (*AudioTickEveryForMode)(int surveyMode, int byRate);  // nullptr: by rate
+  // The instrument's own part of the state at a session's start; nullptr for none.
+  void (*PrepareSession)();
 };
 
 // Settings file.

@@ -26,7 +26,6 @@ constexpr int K = KEEP_DEFAULT;
 constexpr unsigned MapMode(int mode) { return 1u << mode; }
 
 // Readings a Manual station takes, by the dipole and component settings.
-int OneReading(int, int) { return 1; }
 int ReadingsOfEm31(int dipole, int) { return dipole == 2 ? 2 : 1; }
 int ReadingsOfEm38(int dipole, int component) {
   if (component != 0) return dipole == 2 ? 2 : 1;
@@ -69,6 +68,28 @@ void Em343DipoleSetting() {
   }
 }
 
+// The EM34-3's antenna offset follows the coil separation and the reference
+// coil: in Auto the separation in use moves it now, in Manual each reading's
+// separation moves it when the reading comes.
+void Em343PrepareSession() {
+  Model.Em34ConfigShown = Model.Em34ConfigLast = Settings.DipoleMode;
+  static const double HalfSeparations[3] = {5.0, 10.0, 20.0};
+  const double y = GpsLink.GpsOffsetYEffective;
+  if (Session.SurveyModeCurrent == SURVEY_MANUAL) {
+    GpsLink.PositionOffsetApplied = 0;
+    Model.ManualStationOpen = 0;
+    for (int i = 0; i < 3; ++i) {
+      const double half = HalfSeparations[i];
+      Model.Em34OffsetBySeparation[i] =
+          Settings.Em34Reference == 0 ? y + half : Settings.Em34Reference == 1 ? -half - y : y;
+    }
+  } else {
+    const double half = Model.Em34Separation / 2.0;
+    if (Settings.Em34Reference == 0) GpsLink.GpsOffsetYEffective = y + half;
+    else if (Settings.Em34Reference == 1) GpsLink.GpsOffsetYEffective = -half - y;
+  }
+}
+
 // The EM61-MK2 ticks each wheel step, and each sixth reading in Manual.
 int Em61Mk2TickEvery(int surveyMode, int byRate) {
   if (surveyMode == SURVEY_WHEEL) return 1;
@@ -93,7 +114,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
                   .ScaleLabel = "%0.1f nT/m", .Scale2Label = nullptr, .AxisName = "Gradient [nT/m]", .InphaseOnlyMapMode = 0,
                   .Bars = {BAR_IN_DECAY, 16.0, 10.0, 3.0, 1}, .TwoSensorBars = {BAR_IN_PAIR, 16.0, 10.0, 3.0, 1},
-                  .NumbersRows = 6, .WideColourBar = 0, .RadioStartRow = 0, .RadioCount = 4, .MarkerLamps = 0,
+                  .NumbersRows = 6, .BarLabelRows = 1.0, .WideColourBar = 0, .RadioStartRow = 0, .RadioCount = 4, .SecondSensorRadios = 0, .ChannelRadios = 0, .MarkerLamps = 0,
                   .AttitudeLabels = 1, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
                   .HalfHeightNumbers = 1, .StatusTexts = nullptr},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = 0.0,
@@ -103,8 +124,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
         .Commands = {.MonitoringMenu = 495, .StandByMenu = 496, .Nulling = 0, .Calibration = CALIBRATION_NONE,
                      .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 0,
                      .AppendCheck = 1, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
-                     .ChannelRadiosWithoutGps = 0, .ManualReadingsPerStation = OneReading,
-                     .AudioTickEveryForMode = nullptr},
+                     .SetButtonsWaitForReading = 0, .ManualReadingsPerStation = nullptr,
+                     .AudioTickEveryForMode = nullptr, .PrepareSession = nullptr},
         .Store = {.Group = SETTINGS_GROUP_C, .Type = TYPE_NONE, .OffsetsInMetresOnly = 1,
                   .Swath = SWATH_GRADIOMETER, .SwathCoilBase = 0.0, .CoilReference = 0, .AfterDipoleMode = nullptr},
         .DataFile = {.MappingSignature = "KLV601 AW", .NavigationSignature = "LUM601 AW", .FileMark = "KLV601",
@@ -132,7 +153,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
                   .ScaleLabel = "%0.1f mV", .Scale2Label = nullptr, .AxisName = nullptr, .InphaseOnlyMapMode = 0,
                   .Bars = {BAR_IN_DECAY, 16.0, 4.0, 1.0, 3}, .TwoSensorBars = {BAR_IN_PAIR, 16.0, 4.0, 1.0, 3},
-                  .NumbersRows = 6, .WideColourBar = 0, .RadioStartRow = 0, .RadioCount = 3, .MarkerLamps = 1,
+                  .NumbersRows = 6, .BarLabelRows = 1.0, .WideColourBar = 0, .RadioStartRow = 0, .RadioCount = 3, .SecondSensorRadios = 3, .ChannelRadios = 1, .MarkerLamps = 1,
                   .AttitudeLabels = 0, .AttitudeDecoded = 0, .TightRowsInNarrowPortrait = 1,
                   .HalfHeightNumbers = 0, .StatusTexts = nullptr},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 2, .NullingDone = 0, .GpsOffsetX = 0.0,
@@ -142,8 +163,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
         .Commands = {.MonitoringMenu = 491, .StandByMenu = 492, .Nulling = 1, .Calibration = CALIBRATION_FILTER,
                      .TargetAlarm = 1, .SoftMarkerKeys = 1, .WheelReader = 0, .StationConfirm = 0,
                      .AppendCheck = 1, .SurveyModeInSummary = 1, .RateOnlyInAuto = 1,
-                     .ChannelRadiosWithoutGps = 0, .ManualReadingsPerStation = OneReading,
-                     .AudioTickEveryForMode = nullptr},
+                     .SetButtonsWaitForReading = 0, .ManualReadingsPerStation = nullptr,
+                     .AudioTickEveryForMode = nullptr, .PrepareSession = nullptr},
         .Store = {.Group = SETTINGS_GROUP_B, .Type = TYPE_EM61, .OffsetsInMetresOnly = 0, .Swath = SWATH_COIL,
                   .SwathCoilBase = 1.03, .CoilReference = 0, .AfterDipoleMode = nullptr},
         .DataFile = {.MappingSignature = "KLVLX1  W", .NavigationSignature = "LUMLX1  W", .FileMark = "KLVLX",
@@ -173,7 +194,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
                   .ScaleLabel = "%0.1f mV", .Scale2Label = nullptr, .AxisName = nullptr, .InphaseOnlyMapMode = 0,
                   .Bars = {BAR_IN_DECAY, 21.0, 4.0, 1.0, 4}, .TwoSensorBars = {BAR_IN_DECAY, 21.0, 4.0, 1.0, 4},
-                  .NumbersRows = 4, .WideColourBar = 0, .RadioStartRow = 0, .RadioCount = 4, .MarkerLamps = 1,
+                  .NumbersRows = 4, .BarLabelRows = 3.5, .WideColourBar = 0, .RadioStartRow = 0, .RadioCount = 4, .SecondSensorRadios = 0, .ChannelRadios = 1, .MarkerLamps = 1,
                   .AttitudeLabels = 1, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
                   .HalfHeightNumbers = 0, .StatusTexts = Em61Mk2StatusTexts},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 3, .NullingDone = 0, .GpsOffsetX = 0.0,
@@ -183,8 +204,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
         .Commands = {.MonitoringMenu = 493, .StandByMenu = 494, .Nulling = 1, .Calibration = CALIBRATION_NONE,
                      .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 1, .StationConfirm = 0,
                      .AppendCheck = 1, .SurveyModeInSummary = 1, .RateOnlyInAuto = 1,
-                     .ChannelRadiosWithoutGps = 0, .ManualReadingsPerStation = OneReading,
-                     .AudioTickEveryForMode = Em61Mk2TickEvery},
+                     .SetButtonsWaitForReading = 0, .ManualReadingsPerStation = nullptr,
+                     .AudioTickEveryForMode = Em61Mk2TickEvery, .PrepareSession = nullptr},
         .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_EM61, .OffsetsInMetresOnly = 0, .Swath = SWATH_COIL,
                   .SwathCoilBase = 0.0, .CoilReference = 0, .AfterDipoleMode = nullptr},
         .DataFile = {.MappingSignature = "KLVMK2  W", .NavigationSignature = "LUMMK2  W", .FileMark = "KLVMK2",
@@ -212,7 +233,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .ScaleMax = 500, .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 0, .DipoleAtStart = 0,
                   .ScaleLabel = "%0.0fmS/m", .Scale2Label = "%0.0fppt", .AxisName = nullptr, .InphaseOnlyMapMode = 2,
                   .Bars = {BAR_IN_PAIR, 21.0, 9.0, 1.0, 2}, .TwoSensorBars = {BAR_IN_PAIR, 21.0, 9.0, 1.0, 2},
-                  .NumbersRows = 4, .WideColourBar = 1, .RadioStartRow = 2, .RadioCount = 2, .MarkerLamps = 0,
+                  .NumbersRows = 4, .BarLabelRows = 3.5, .WideColourBar = 1, .RadioStartRow = 2, .RadioCount = 2, .SecondSensorRadios = 0, .ChannelRadios = 1, .MarkerLamps = 0,
                   .AttitudeLabels = 1, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
                   .HalfHeightNumbers = 0, .StatusTexts = Em31StatusTexts},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
@@ -222,8 +243,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
         .Commands = {.MonitoringMenu = 495, .StandByMenu = 496, .Nulling = 0, .Calibration = CALIBRATION_NONE,
                      .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 0,
                      .AppendCheck = 1, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
-                     .ChannelRadiosWithoutGps = 0, .ManualReadingsPerStation = ReadingsOfEm31,
-                     .AudioTickEveryForMode = nullptr},
+                     .SetButtonsWaitForReading = 0, .ManualReadingsPerStation = ReadingsOfEm31,
+                     .AudioTickEveryForMode = nullptr, .PrepareSession = nullptr},
         .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_COIL_LENGTH, .OffsetsInMetresOnly = 0,
                   .Swath = SWATH_BY_INDEX, .SwathCoilBase = 0.0, .CoilReference = 0, .AfterDipoleMode = nullptr},
         .DataFile = {.MappingSignature = "KLV31   W", .NavigationSignature = "LUM31   W", .FileMark = "KLV31",
@@ -251,7 +272,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .ScaleMax = 500, .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 2, .DipoleAtStart = 0,
                   .ScaleLabel = "%0.0fmS/m", .Scale2Label = "%0.0fppt", .AxisName = nullptr, .InphaseOnlyMapMode = 0,
                   .Bars = {BAR_IN_PAIR, 21.0, 9.0, 1.0, 2}, .TwoSensorBars = {BAR_IN_PAIR, 21.0, 9.0, 1.0, 2},
-                  .NumbersRows = 4, .WideColourBar = 0, .RadioStartRow = 2, .RadioCount = 2, .MarkerLamps = 0,
+                  .NumbersRows = 4, .BarLabelRows = 3.5, .WideColourBar = 0, .RadioStartRow = 2, .RadioCount = 2, .SecondSensorRadios = 0, .ChannelRadios = 1, .MarkerLamps = 0,
                   .AttitudeLabels = 0, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
                   .HalfHeightNumbers = 0, .StatusTexts = Em38StatusTexts},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
@@ -261,8 +282,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
         .Commands = {.MonitoringMenu = 495, .StandByMenu = 496, .Nulling = 0, .Calibration = CALIBRATION_NONE,
                      .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 0,
                      .AppendCheck = 1, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
-                     .ChannelRadiosWithoutGps = 1, .ManualReadingsPerStation = ReadingsOfEm38,
-                     .AudioTickEveryForMode = nullptr},
+                     .SetButtonsWaitForReading = 1, .ManualReadingsPerStation = ReadingsOfEm38,
+                     .AudioTickEveryForMode = nullptr, .PrepareSession = nullptr},
         .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_COIL_LENGTH, .OffsetsInMetresOnly = 0,
                   .Swath = SWATH_BY_INDEX, .SwathCoilBase = 0.0, .CoilReference = 0, .AfterDipoleMode = nullptr},
         .DataFile = {.MappingSignature = "KLV38   W", .NavigationSignature = "LUM38   W", .FileMark = "KLV38",
@@ -290,7 +311,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 2, .DipoleAtStart = 0,
                   .ScaleLabel = "%0.0fmS/m", .Scale2Label = nullptr, .AxisName = nullptr, .InphaseOnlyMapMode = 0,
                   .Bars = {BAR_IN_Q, 21.0, 15.0, 3.0, 1}, .TwoSensorBars = {BAR_IN_Q, 21.0, 15.0, 3.0, 1},
-                  .NumbersRows = 4, .WideColourBar = 0, .RadioStartRow = 2, .RadioCount = 2, .MarkerLamps = 0,
+                  .NumbersRows = 4, .BarLabelRows = 3.5, .WideColourBar = 0, .RadioStartRow = 2, .RadioCount = 2, .SecondSensorRadios = 0, .ChannelRadios = 1, .MarkerLamps = 0,
                   .AttitudeLabels = 0, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
                   .HalfHeightNumbers = 0, .StatusTexts = Em343StatusTexts},
         .Defaults = {.DisplayCurveCount = 6, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = 0.0,
@@ -300,8 +321,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
         .Commands = {.MonitoringMenu = 495, .StandByMenu = 496, .Nulling = 0, .Calibration = CALIBRATION_NONE,
                      .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 1,
                      .AppendCheck = 0, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
-                     .ChannelRadiosWithoutGps = 1, .ManualReadingsPerStation = ReadingsOfEm343,
-                     .AudioTickEveryForMode = nullptr},
+                     .SetButtonsWaitForReading = 1, .ManualReadingsPerStation = ReadingsOfEm343,
+                     .AudioTickEveryForMode = nullptr, .PrepareSession = Em343PrepareSession},
         .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_COIL_LENGTH, .OffsetsInMetresOnly = 0,
                   .Swath = SWATH_BY_INDEX, .SwathCoilBase = 0.0, .CoilReference = 1, .AfterDipoleMode = Em343DipoleSetting},
         .DataFile = {.MappingSignature = "KLV343  W", .NavigationSignature = "LUM343  W", .FileMark = "KLV34-3",
@@ -329,7 +350,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .ScaleMin = 0, .ScaleMax = 1000, .Scale2Min = 0, .Scale2Max = 1500, .ComponentAtStart = 0,
                   .DipoleAtStart = 0, .ScaleLabel = "%0.0fmS/m", .Scale2Label = "%0.0fppt", .AxisName = nullptr, .InphaseOnlyMapMode = 0,
                   .Bars = {BAR_IN_PAIR, 21.0, 4.0, 1.0, 4}, .TwoSensorBars = {BAR_IN_PAIR, 21.0, 4.0, 1.0, 4},
-                  .NumbersRows = 4, .WideColourBar = 1, .RadioStartRow = 0, .RadioCount = 4, .MarkerLamps = 0,
+                  .NumbersRows = 4, .BarLabelRows = 3.5, .WideColourBar = 1, .RadioStartRow = 0, .RadioCount = 4, .SecondSensorRadios = 0, .ChannelRadios = 1, .MarkerLamps = 0,
                   .AttitudeLabels = 1, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
                   .HalfHeightNumbers = 0, .StatusTexts = nullptr},
         .Defaults = {.DisplayCurveCount = 8, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
@@ -339,8 +360,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
         .Commands = {.MonitoringMenu = 497, .StandByMenu = 498, .Nulling = 0, .Calibration = CALIBRATION_OFFSETS,
                      .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 0,
                      .AppendCheck = 1, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
-                     .ChannelRadiosWithoutGps = 0, .ManualReadingsPerStation = ReadingsOfEm31,
-                     .AudioTickEveryForMode = nullptr},
+                     .SetButtonsWaitForReading = 0, .ManualReadingsPerStation = ReadingsOfEm31,
+                     .AudioTickEveryForMode = nullptr, .PrepareSession = nullptr},
         .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_EM38MK2, .OffsetsInMetresOnly = 0,
                   .Swath = SWATH_BY_INDEX, .SwathCoilBase = 0.0, .CoilReference = 0, .AfterDipoleMode = nullptr},
         .DataFile = {.MappingSignature = "KLV38MK2W", .NavigationSignature = "LUM382  W", .FileMark = "KLV38MK2",

@@ -4,7 +4,7 @@
 
 #include "core/state.h"
 #include "core/text.h"
-#include "core/variant.h"
+#include "instruments/instrument.h"
 
 LinkSupervisionRecord LinkSupervision;
 
@@ -42,15 +42,15 @@ void PanelOnce(SupervisionDecision& d) {
   }
 }
 
-void DecideGrad601(SupervisionDecision& d, uint32_t now) {
+void DecidePanelOnce(SupervisionDecision& d, uint32_t now) {
   if (!IsLate(now)) return;
   RecordBreak(d);
   PanelOnce(d);
   Alarm(d);
 }
 
-// The EM61 family reconnects by handshake in its reader; the remark follows
-// the reader's flag from the tick after the time-out on.
+// A reconnecting link does its handshake again in the reader; the remark
+// follows the reader's flag from the tick after the time-out on.
 void DecideEm61(SupervisionDecision& d, uint32_t now, bool numbersPanelEachTick) {
   if (Session.SurveyModeActive != 0 || LinkSupervision.CalibrationBoxOpen != 0) return;
   if (IsLogging() && Link.LinkBrokenLogged == 1) d.RecordBreak = 1;
@@ -61,7 +61,8 @@ void DecideEm61(SupervisionDecision& d, uint32_t now, bool numbersPanelEachTick)
   Alarm(d);
 }
 
-void DecideEm61Mk2(SupervisionDecision& d, uint32_t now) {
+// The polled link asks for each frame; when it is answered the next poll goes out.
+void DecidePolled(SupervisionDecision& d, uint32_t now) {
   if (Session.SurveyModeActive != 0) return;
   if (Link.Em61FastLink == 1 && Link.PollAnswered == 1) {
     d.SendPoll = 1;
@@ -70,7 +71,8 @@ void DecideEm61Mk2(SupervisionDecision& d, uint32_t now) {
   DecideEm61(d, now, true);
 }
 
-void DecideEm343(SupervisionDecision& d, uint32_t now) {
+// In Manual the instrument is switched off between stations to save its battery.
+void DecideBatterySave(SupervisionDecision& d, uint32_t now) {
   if (!IsLate(now)) return;
   if (Session.SurveyModeCurrent != SURVEY_MANUAL) {
     LateEachTick(d);
@@ -88,16 +90,15 @@ void ResetLinkSupervision() {
 
 SupervisionDecision DecideSessionTick(uint32_t now) {
   SupervisionDecision d;
-  switch (InstrumentModel) {
-    case Grad601: DecideGrad601(d, now); break;
-    case EM61LX2: DecideEm61(d, now, false); break;
-    case EM61MK2: DecideEm61Mk2(d, now); break;
-    case EM31MK2:
-    case EM38MK2:
+  switch (Instrument().Link.Supervision) {
+    case SUPERVISE_NONE: break;
+    case SUPERVISE_PANEL_ONCE: DecidePanelOnce(d, now); break;
+    case SUPERVISE_EACH_TICK:
       if (IsLate(now)) LateEachTick(d);
       break;
-    case EM343: DecideEm343(d, now); break;
-    default: break;   // the EM38 is not supervised
+    case SUPERVISE_BATTERY_SAVE: DecideBatterySave(d, now); break;
+    case SUPERVISE_RECONNECT: DecideEm61(d, now, false); break;
+    case SUPERVISE_RECONNECT_POLLED: DecidePolled(d, now); break;
   }
   return d;
 }

@@ -3,6 +3,7 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "core/variant.h"
+#include "instruments/instrument.h"
 
 void SerialPortName(int portIndex, wchar_t* name, int capacity) {
   if (!name || capacity <= 0) return;
@@ -39,11 +40,9 @@ PortLineSettings InstrumentLineSettings() {
 
 PortTimeouts InstrumentPortTimeouts() {
   // The polled and line-oriented instruments get a per-byte allowance on top.
-  const bool slowReads =
-      InstrumentModel == Grad601 || InstrumentModel == EM61LX2 || InstrumentModel == EM61MK2;
   PortTimeouts timeouts;
   timeouts.ReadIntervalTimeout = 0;
-  timeouts.ReadTotalTimeoutMultiplier = slowReads ? 10 : 0;
+  timeouts.ReadTotalTimeoutMultiplier = Instrument().Link.ReadTimeoutMultiplier;
   timeouts.ReadTotalTimeoutConstant = 10;
   timeouts.WriteTotalTimeoutMultiplier = 10;
   timeouts.WriteTotalTimeoutConstant = 10;

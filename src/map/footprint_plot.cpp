@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "core/numeric.h"
-#include "core/variant.h"
+#include "instruments/instrument.h"
 #include "map/live_map.h"
 #include "map/map_surface.h"
 
@@ -90,8 +90,7 @@ void PlotFootprintDot(int x1, int y1, int x2, int y2, int pen, int brush) {
 void PlotFootprintDots(int x1, int y1, int x2, int y2) {
   const double mx = std::trunc(((double)x1 + x2) / 2.0);
   const double my = std::trunc(((double)y1 + y2) / 2.0);
-  const bool pair = (InstrumentModel == Grad601 || InstrumentModel == EM61LX2) &&
-                    Settings.SensorCount == 1;
+  const bool pair = TwoSensorsInUse();
   if (!pair) {
     DotAtPixel(TruncToInt(mx), TruncToInt(my), MAP_PEN_POSITION1, MAP_BRUSH_POSITION);
     return;

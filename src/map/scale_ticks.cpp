@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "core/numeric.h"
-#include "core/variant.h"
+#include "instruments/instrument.h"
 
 namespace {
 
@@ -58,13 +58,12 @@ void ComputeScaleTicks(ScaleTickTable& table, int height, double minimum, double
 }
 
 void RecomputeScaleFactors() {
-  const bool twoSensors =
-      (InstrumentModel == Grad601 || InstrumentModel == EM61LX2) && Settings.SensorCount == 1;
+  const bool twoSensors = TwoSensorsInUse();
   const int profileHeight = twoSensors ? Scales.ProfileHalfHeight : Scales.ProfileHeight;
   const double span = Settings.ScaleMax - Settings.ScaleMin;
   Scales.ProfileScaleFactor = profileHeight / span;
   Scales.BarScaleFactor = Scales.BarsHeight / span;
-  if (InstrumentModel >= 0) {
+  if (Instrument().Views.SecondScale) {
     const double span2 = Settings.Scale2Max - Settings.Scale2Min;
     Scales.ProfileScale2Factor = Scales.ProfileHeight / span2;
     Scales.BarScale2Factor = Scales.BarsHeight / span2;

@@ -2,6 +2,7 @@
 
 #include "core/state.h"
 #include "core/variant.h"
+#include "instruments/instrument.h"
 
 namespace {
 
@@ -95,7 +96,7 @@ PauseKeyDecision DecidePauseKey(int key, int pauseKey, int instrumentModel, int 
   PauseKeyDecision d{0, softMarkerDown};
   switch (pauseKey) {
     case 0:
-      if (instrumentModel == EM61LX2 && IsSoftMarkerKey(key)) {
+      if (InstrumentOf(instrumentModel).Commands.SoftMarkerKeys && IsSoftMarkerKey(key)) {
         if (softMarkerKey == 1 && softMarkerDown == 0) d.SoftMarkerDown = 1;
         return d;
       }

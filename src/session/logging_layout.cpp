@@ -7,42 +7,17 @@
 #include "core/numeric.h"
 #include "core/state.h"
 #include "core/variant.h"
+#include "instruments/instrument.h"
 
 LoggingLayoutRecord LoggingLayout;
 
 namespace {
 
-// How the bars of each model stand in their windows. Widths are in bar units
-// u = (window width - 2) / divisor.
-enum BarWindows { BAR_IN_DECAY, BAR_IN_Q, BAR_IN_PAIR };
-
-struct BarPlan {
-  int Model;
-  int TwoSensors;    // -1: either
-  BarWindows Windows;
-  double Divisor;
-  double Bar;
-  double Gap;
-  int Bars;          // in each window
-};
-
-const BarPlan BarPlans[] = {
-    {Grad601, 1, BAR_IN_PAIR, 16.0, 10.0, 3.0, 1},
-    {Grad601, 0, BAR_IN_DECAY, 16.0, 10.0, 3.0, 1},
-    {EM61LX2, 1, BAR_IN_PAIR, 16.0, 4.0, 1.0, 3},
-    {EM61LX2, 0, BAR_IN_DECAY, 16.0, 4.0, 1.0, 3},
-    {EM61MK2, -1, BAR_IN_DECAY, 21.0, 4.0, 1.0, 4},
-    {EM31MK2, -1, BAR_IN_PAIR, 21.0, 9.0, 1.0, 2},
-    {EM38, -1, BAR_IN_PAIR, 21.0, 9.0, 1.0, 2},
-    {EM343, -1, BAR_IN_Q, 21.0, 15.0, 3.0, 1},
-    {EM38MK2, -1, BAR_IN_PAIR, 21.0, 4.0, 1.0, 4},
-};
-
+// How the bars stand in their windows, with one sensor or two. Widths are in
+// bar units u = (window width - 2) / divisor.
 const BarPlan& BarPlanOfModel() {
-  int two = TwoSensorLayout();
-  for (const BarPlan& plan : BarPlans)
-    if (plan.Model == InstrumentModel && (plan.TwoSensors < 0 || plan.TwoSensors == two)) return plan;
-  return BarPlans[5];
+  const ViewDescription& views = Instrument().Views;
+  return TwoSensorLayout() ? views.TwoSensorBars : views.Bars;
 }
 
 int Pitch() { return Screen.RowPitch; }
@@ -53,8 +28,7 @@ int TextRowHeight() {
 }
 
 int NumbersHeightOfModel(int p) {
-  if (InstrumentModel == EM61LX2 || InstrumentModel == Grad601) return 6 * p + 10;
-  return 4 * p + 10;
+  return Instrument().Views.NumbersRows * p + 10;
 }
 
 int Measure(MeasureTextFunction measure, const char* text, int bold = 0) {
@@ -77,7 +51,7 @@ int Smaller(int a, int b) { return a < b ? a : b; }
 int Larger(int a, int b) { return a > b ? a : b; }
 
 void PlaceColorBar(LoggingLayoutRecord& L) {
-  if (InstrumentModel == EM31MK2 || InstrumentModel == EM38MK2) L.ColorBar.Rect = MakeRect(30, 25, 244, 296);
+  if (Instrument().Views.WideColourBar) L.ColorBar.Rect = MakeRect(30, 25, 244, 296);
   else L.ColorBar.Rect = MakeRect(40, 25, 142, 296);
   L.ColorBar.Shown = 0;
 }
@@ -135,9 +109,10 @@ void PlaceReadoutChildren(LoggingLayoutRecord& L) {
 
 // Channel radios beside the numbers, at the reading rows of the model.
 void PlaceChannelRadios(LoggingLayoutRecord& L, int rowPitch) {
-  int start = (InstrumentModel == EM31MK2 || InstrumentModel == EM38 || InstrumentModel == EM343) ? 2 : 0;
-  int count = InstrumentModel == EM61LX2 ? 3 : 4 - start;
-  int second = (InstrumentModel == EM61LX2 && TwoSensorLayout()) ? 3 : 0;
+  const ViewDescription& views = Instrument().Views;
+  int start = views.RadioStartRow;
+  int count = views.RadioCount;
+  int second = TwoSensorLayout() ? views.SecondSensorRadios : 0;
   for (ChildPlace& radio : L.Radios) {
     radio = ChildPlace();
   }
@@ -216,9 +191,7 @@ void PlacePanelAreasLandscape(LoggingLayoutRecord& L) {
 
 }  // namespace
 
-int TwoSensorLayout() {
-  return (InstrumentModel == Grad601 || InstrumentModel == EM61LX2) && Settings.SensorCount == 1 ? 1 : 0;
-}
+int TwoSensorLayout() { return TwoSensorsInUse() ? 1 : 0; }
 
 void LoggingLayoutCreateStep() {
   LoggingLayoutRecord& L = LoggingLayout;
@@ -287,8 +260,7 @@ void ArrangeLoggingLandscape() {
   L.NumbersTop = s - L.NumbersHeight;
 
   // 3. Bars.
-  if (InstrumentModel == EM61LX2 || InstrumentModel == Grad601) L.BarsHeight = L.NumbersTop - 20 - TruncToInt(p * 1.0);
-  else L.BarsHeight = L.NumbersTop - 20 - TruncToInt(p * 3.5);
+  L.BarsHeight = L.NumbersTop - 20 - TruncToInt(p * Instrument().Views.BarLabelRows);
 
   // 4. Profile column.
   L.ProfileColumnWidth = w - 110 - 40 - 20;
@@ -318,7 +290,7 @@ void ArrangeLoggingLandscape() {
   }
 
   L.BarArea = MakeRect(L.NumbersX, 20, L.NumbersWidth, L.BarsHeight);
-  int numbersHeight = InstrumentModel == Grad601 ? L.NumbersHeight / 2 : L.NumbersHeight;
+  int numbersHeight = Instrument().Views.HalfHeightNumbers ? L.NumbersHeight / 2 : L.NumbersHeight;
   L.Numbers.Rect = MakeRect(L.NumbersX, L.NumbersTop, L.NumbersWidth, numbersHeight);
   L.Numbers.Shown = 1;
 
@@ -373,7 +345,7 @@ void ArrangeLoggingPortrait() {
   L.ProfileHeight = L.CurveHeight;
 
   // 5. Numbers.
-  int numbersHeight = InstrumentModel == Grad601 ? L.NumbersHeight / 2 : L.NumbersHeight;
+  int numbersHeight = Instrument().Views.HalfHeightNumbers ? L.NumbersHeight / 2 : L.NumbersHeight;
   L.Numbers.Rect = MakeRect(L.NumbersX, L.NumbersTop, L.NumbersWidth, numbersHeight);
   L.Numbers.Shown = 1;
 
@@ -601,7 +573,7 @@ void PlaceStatusPanel(MeasureTextFunction measure) {
   L.MapSizeLabel = MakeRect(mapRight - sizeWidth, 2, sizeWidth, th);
 
   int titleLeft;
-  if (InstrumentModel == EM61LX2 || InstrumentModel == EM61MK2) {
+  if (Instrument().Views.MarkerLamps) {
     int middle = L.MapX + L.MapWidth / 2;
     if (TwoSensorLayout()) {
       L.MarkerLampCount = 2;

@@ -7,6 +7,7 @@
 #include "core/program_win.h"
 #include "core/settings.h"
 #include "core/state.h"
+#include "instruments/instrument.h"
 #include "core/text.h"
 #include "core/variant.h"
 #include "gps/nmea_receiver.h"
@@ -30,7 +31,7 @@ const wchar_t* const ReviewLabels[REVIEW_BUTTON_COUNT] = {
 
 const wchar_t* MonitoringLabel(int index) {
   static const wchar_t* const labels[SET_BUTTON_COUNT] = {L"&File", L"Map &Size", L"E&xit", L"&Menu"};
-  if (index == 1 && (InstrumentModel == EM61MK2 || InstrumentModel == EM61LX2)) return L"N&ull";
+  if (index == 1 && Instrument().Commands.Nulling) return L"N&ull";
   return labels[index];
 }
 

@@ -1,4 +1,5 @@
 #include "session/session_menu_win.h"
+#include "instruments/instrument.h"
 
 #include "core/platform_win.h"
 #include "core/variant.h"
@@ -6,6 +7,6 @@
 
 // Loaded afresh at each opening, so that the entries always match the state.
 HMENU LoadSessionMenu(int sessionState) {
-  const int id = SessionMenuId(InstrumentModel, sessionState);
+  const int id = SessionMenuId(Instrument().Model, sessionState);
   return LoadMenuW(Windows.Instance, MAKEINTRESOURCEW(id));
 }

@@ -9,6 +9,7 @@
 #include "core/platform_win.h"
 #include "core/program_win.h"
 #include "core/state.h"
+#include "instruments/instrument.h"
 #include "core/settings.h"
 #include "core/text.h"
 #include "core/ticks.h"
@@ -371,7 +372,7 @@ void RunCommand(int code) {
       if (!NeedsInstrument()) break;
       if (state == SESSION_STANDBY) QuickLineCommand();
       else if (state == SESSION_MONITORING)
-        RunCommand((InstrumentModel == EM61MK2 || InstrumentModel == EM61LX2) ? CMD_NULLING : CMD_MAP_SIZE);
+        RunCommand(Instrument().Commands.Nulling ? CMD_NULLING : CMD_MAP_SIZE);
       break;
     case CMD_EXIT: LeaveToMainMenu(); break;
     case CMD_MENU: MenuCommand(); break;
@@ -436,12 +437,13 @@ void SetSessionButtonsForStart() {
     Settings.MapDisplayMode = 0;
     return;
   }
-  if (InstrumentModel == Grad601) {
+  const InstrumentDescription& row = Instrument();
+  if (!row.Views.ChannelRadios) {
     if (Settings.GpsInput > 0) EnableSetButtons(0);
     return;
   }
   ShowChannelButtons(1);
-  if (Settings.GpsInput > 0 || InstrumentModel == EM38 || InstrumentModel == EM343) EnableSetButtons(0);
+  if (Settings.GpsInput > 0 || row.Commands.SetButtonsWaitForReading) EnableSetButtons(0);
   for (HWND radio : LoggingWindows.Radios)
     if (radio) EnableWindow(radio, FALSE);
 }
@@ -468,7 +470,7 @@ LRESULT LoggingCommandOrKey(HWND screen, UINT message, WPARAM wParam, LPARAM) {
   if (Session.ActiveScreen != SCREEN_LOGGING) return 0;
   const int key = (int)wParam;
   if (Session.SessionState == SESSION_LOGGING) {
-    PauseKeyDecision d = DecidePauseKey(key, Settings.PauseKey, InstrumentModel, Settings.SoftMarkerKey,
+    PauseKeyDecision d = DecidePauseKey(key, Settings.PauseKey, Instrument().Model, Settings.SoftMarkerKey,
                                         Model.SoftMarkerDown);
     Model.SoftMarkerDown = d.SoftMarkerDown;
     if (d.Pause) RunCommand(CMD_FILE_GO_PAUSE);

@@ -21,16 +21,10 @@
 #include "map/scale_ticks.h"
 #include "session/session_win.h"
 #include "session/logging_screen_win.h"
+#include "session/session_start.h"
 #include "session/session_state.h"
 
 namespace {
-
-// Both tick stamps of the instrument link at now.
-void StampLinkTicks() {
-  const uint32_t now = TickNow();
-  Link.LastByteTick = now;
-  Link.LastReadingTick = now;
-}
 
 void ShowWide(const wchar_t* templateName, const wchar_t* title, const char* text) {
   wchar_t wide[256];
@@ -38,84 +32,14 @@ void ShowWide(const wchar_t* templateName, const wchar_t* title, const char* tex
   ShowMessage(Windows.Frame, templateName, title, wide);
 }
 
-// Steps 1 to 12: the state of a new session, before anything is checked.
-void PrepareSessionState() {
-  Link.LinkLostShown = 0;
-  if (InstrumentModel != EM61LX2 && InstrumentModel != Grad601) Settings.SensorCount = 0;
-  Model.DecayChannelPrev = Model.DecayChannelLast - 1;
-  Link.ReadingsPerMessage = 1;
-  ClearSessionClocks();
-
-  Model.CurrentDipolePair = Settings.DipoleMode + 2 * Settings.Component;
-  GpsLink.GpsOffsetYEffective = Settings.GpsOffsetY;
-  GpsLink.PositionOffsetApplied = 1;
-
-  if (InstrumentModel == EM343) {
-    Model.Em34ConfigShown = Model.Em34ConfigLast = Settings.DipoleMode;
-    static const double HalfSeparations[3] = {5.0, 10.0, 20.0};
-    const double y = GpsLink.GpsOffsetYEffective;
-    if (Session.SurveyModeCurrent == SURVEY_MANUAL) {
-      GpsLink.PositionOffsetApplied = 0;
-      Model.ManualStationOpen = 0;
-      for (int i = 0; i < 3; ++i) {
-        const double half = HalfSeparations[i];
-        Model.Em34OffsetBySeparation[i] =
-            Settings.Em34Reference == 0 ? y + half : Settings.Em34Reference == 1 ? -half - y : y;
-      }
-    } else {
-      const double half = Model.Em34Separation / 2.0;
-      if (Settings.Em34Reference == 0) GpsLink.GpsOffsetYEffective = y + half;
-      else if (Settings.Em34Reference == 1) GpsLink.GpsOffsetYEffective = -half - y;
-    }
-  }
-
-  if (Settings.GpsInput == 0) Settings.MapDisplayMode = 0;
-  Session.MapVisible = Settings.GpsInput != 0 ? 1 : 0;
-  if (IsNavigation()) Settings.MapDisplayMode = 0;
-
-  SessionExtras.BackgroundFileCount = 0;
-  ResetMapForSession();
-
-  const double rate = Settings.SampleInterval != 0.0 ? 1.0 / Settings.SampleInterval : 0.0;
-  Link.AudioTickEvery = rate < 4 ? 1 : rate < 8 ? 2 : rate < 13 ? 3 : 6;
-  if (InstrumentModel == EM61MK2 && Settings.SurveyMode == SURVEY_WHEEL) Link.AudioTickEvery = 1;
-  if (InstrumentModel == EM61MK2 && Settings.SurveyMode == SURVEY_MANUAL) Link.AudioTickEvery = 6;
-
-  GpsLink.GpsFixSeen = 0;
-  MapCanvas.MapDrawnOnce = 0;
-  SessionExtras.GpsDataSeen = 0;
-  Session.SessionState = SESSION_MONITORING;
-  Position.LastSpeed = -2.0;
-  Model.SoftMarkerDown = 0;
-  Link.FastTimerBudget = (int)(Link.MonitorPeriodMs * 1.1 + 1.0);
-  if (Settings.GpsInput == 0) Session.MapVisible = 0;
-  GpsLink.GpsSequenceNumber = 0;
-  Session.GpsPositionCount = 0;
-  Position.UtmZone = -9;
-  ResetPositionPipeline();
-
+// Steps 1 to 12: the state of a new session, before anything is checked;
+// the windows are arranged between its two halves.
+void PrepareSession() {
+  PrepareSessionState();
   ArrangeLoggingScreenWindows();
   ShareScreenPlaces();
   ApplyMapWindowSide(MapWindow.MapWndWidth);
-  RecomputeGridStep();
-  SetGpsFormatTable();
-  FixFootprintMethod();
-
-  RecomputeScaleFactors();
-
-  if (Settings.NullApply == 0)
-    Settings.NullValue1 = Settings.NullValue2 = Settings.NullValue3 = Settings.NullValue4 = 0.0;
-  Session.MarkerCount = 0;
-  Session.SurveyModeActive = 0;
-
-  if (InstrumentModel >= 0) {
-    Settings.ProfileScaleKind = 0;
-    Session.SurveyModeCurrent = Settings.SurveyMode;
-    StampLinkTicks();
-    Model.ManualReadingsPerStation = 1;
-    Model.ManualReadingsDone = 0;
-    ApplyManualReadingsRule();
-  }
+  SettleSessionState();
 }
 
 // Steps 13 and 14: the configuration checks that need no port.
@@ -177,7 +101,7 @@ void PrepareGpsSide() {
 }  // namespace
 
 void StartSession() {
-  PrepareSessionState();
+  PrepareSession();
   if (!ConfigurationAllowsSession()) return;
   if (!OpenSessionPorts()) return;
   if (!StartInstrumentLink()) {

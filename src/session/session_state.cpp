@@ -3,7 +3,7 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "core/ticks.h"
-#include "core/variant.h"
+#include "instruments/instrument.h"
 #include "map/colour_scale.h"
 
 SessionExtrasRecord SessionExtras;
@@ -36,26 +36,12 @@ void UpdateSessionClocks() {
 }
 
 void ApplyManualReadingsRule() {
-  const int dipole = Settings.DipoleMode, component = Settings.Component;
-  int count = 1;
-  switch (InstrumentModel) {
-    case EM343: count = dipole + 1; break;
-    case EM31MK2:
-    case EM38MK2: if (dipole == 2) count = 2; break;
-    case EM38:
-      if (component != 0 && dipole == 2) count = 2;
-      else if (component == 0 && dipole != 2) count = 2;
-      else if (component == 0 && dipole == 2) count = 4;
-      break;
-    default: break;
-  }
-  Model.ManualReadingsPerStation = count;
+  int (*rule)(int, int) = Instrument().Commands.ManualReadingsPerStation;
+  Model.ManualReadingsPerStation = rule ? rule(Settings.DipoleMode, Settings.Component) : 1;
 }
 
 void RecomputeColourWidth() {
-  const int mode = Settings.MapDisplayMode;
-  const bool secondScale = ((InstrumentModel == EM31MK2 || InstrumentModel == EM38) && mode == 2) ||
-                           (InstrumentModel == EM38MK2 && (mode == 2 || mode == 4));
+  const bool secondScale = SecondScaleForMapMode(Settings.MapDisplayMode);
   const double span = secondScale ? Settings.Scale2Max - Settings.Scale2Min : Settings.ScaleMax - Settings.ScaleMin;
   Scales.ColourWidth = span / ColourIndexCount;
 }
