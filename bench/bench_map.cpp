@@ -35,8 +35,6 @@ double MicrosecondsSince(Clock::time_point start) {
 
 void FreshSession() {
   ResetProgramState();
-  ResetMapCanvas();
-  ResetLiveMap();
   MapWindow.MapWndWidth = WINDOW_SIDE;
   MapWindow.CursorBandPixels = (int)((1 * 5 + 10) * 0.01 * WINDOW_SIDE);
   Settings.MapSize = MAP_SIZE;
@@ -176,7 +174,6 @@ int main() {
          MapGdiPageCount());
   BenchCompose("GDI");
   BenchRedraw("GDI");
-  ResetMapCanvas();
   ReleaseGdiMapSurface();
 #endif
   ReportMemory();

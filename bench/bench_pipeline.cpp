@@ -69,8 +69,6 @@ void FreshSession() {
   ResetProgramState();
   UseNullMapSurface();
   ResetMapCanvas();
-  ResetLiveMap();
-  ResetGpsReceiver();
   InitUtmConstants();
   MapWindow.MapWndWidth = WINDOW_SIDE;
   Settings.MapSize = 40;

@@ -45,7 +45,6 @@ std::string OneSecond(int second) {
 }
 
 double Run(const std::string& stream, int rounds, int logging) {
-  ResetGpsReceiver();
   GpsActions.WriteRecords = CountWrite;
   GpsActions.TellScreen = CountTell;
   Session.SessionState = logging ? SESSION_LOGGING : SESSION_MONITORING;

@@ -2,6 +2,21 @@
 
 #include <new>
 
+#include "core/main_menu_content.h"
+#include "datafile/records.h"
+#include "gps/gps_monitor.h"
+#include "gps/nmea_decode.h"
+#include "gps/nmea_format.h"
+#include "gps/nmea_receiver.h"
+#include "gps/position_pipeline.h"
+#include "gps/reading_bucket.h"
+#include "instruments/em_frame_reader.h"
+#include "instruments/link_supervision.h"
+#include "map/live_map.h"
+#include "map/map_canvas.h"
+#include "session/logging_layout.h"
+#include "session/session_state.h"
+
 ProgramSettings Settings;
 ScreenMetrics Screen;
 SessionRecord Session;
@@ -32,4 +47,25 @@ void ResetProgramState() {
   ResetRecord(MapWindow);
   ResetRecord(Scales);
   ResetRecord(Messages);
+  // The subsystems' records, kept next to their code. The UTM constants are
+  // computed once at start, and the settings image is the reader's buffer
+  // that each read clears; neither is state.
+  ResetRecord(DataFileNames);
+  ResetRecord(ManualStation);
+  ResetRecord(CalibrationValues);
+  ResetRecord(GpsMonitor);
+  ResetRecord(GpsQuality);
+  ResetRecord(GpsFormat);
+  ResetRecord(GpsReceiver);
+  ResetRecord(GpsActions);
+  ResetRecord(PositionPipeline);
+  ResetRecord(ReadingBucket);
+  ResetRecord(LinkSupervision);
+  ResetRecord(FrameReader);
+  ResetMapCanvas();   // releases the pages first
+  ResetRecord(LiveMap);
+  ResetRecord(LiveMapCallPoints);
+  ResetRecord(LoggingLayout);
+  ResetRecord(SessionExtras);
+  ResetRecord(MainMenuContent);
 }

@@ -361,15 +361,6 @@ int RecordLength() {
   return IsNavigation() && Instrument().DataFile.ShortNavigationRecords ? 24 : RECORD_LENGTH_LONGEST;
 }
 
-void ResetDataFileRecords() {
-  DataFileNames.~DataFileNamesRecord();
-  new (&DataFileNames) DataFileNamesRecord();
-  ManualStation.~ManualStationRecord();
-  new (&ManualStation) ManualStationRecord();
-  CalibrationValues.~CalibrationValuesRecord();
-  new (&CalibrationValues) CalibrationValuesRecord();
-}
-
 void WriteFileHeader(int appendFlag) {
   DataFileNames.NameContinues = strnlen(DataFileNames.BaseName, sizeof DataFileNames.BaseName) > (size_t)NAME_IN_H;
   RecordGroup group;

@@ -50,8 +50,6 @@ extern DataFileNamesRecord DataFileNames;
 extern ManualStationRecord ManualStation;
 extern CalibrationValuesRecord CalibrationValues;
 
-// Puts the three records above back to their starting values.
-void ResetDataFileRecords();
 
 void WriteFileHeader(int appendFlag);   // 0 new file, -1 foreign file, 1 append
 void WriteLineHeader();

@@ -197,13 +197,6 @@ uint32_t ReadHexNumber(const char* text) {
   return negative ? (uint32_t)(0u - (uint32_t)value) : (uint32_t)value;
 }
 
-void ResetGpsReceiver() {
-  // Volatile members forbid plain assignment; rebuild in place instead.
-  GpsReceiver.~GpsReceiverRecord();
-  new (&GpsReceiver) GpsReceiverRecord();
-  GpsActions = GpsReceiverActions();
-}
-
 void StartGpsReceiver(uint32_t now) {
   GpsReceiver.LineIndex = 0;
   memset(GpsReceiver.Line, 0, sizeof GpsReceiver.Line);

@@ -60,8 +60,6 @@ struct GpsReceiverRecord {
 extern GpsReceiverRecord GpsReceiver;
 extern GpsReceiverActions GpsActions;
 
-// Puts the receiver and its outputs back to their starting values.
-void ResetGpsReceiver();
 
 // Fresh receiver at the start of the reader thread: empty line, no Manual
 // holds, the time-out counted from `now`.

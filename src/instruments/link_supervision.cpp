@@ -83,11 +83,6 @@ void DecideBatterySave(SupervisionDecision& d, uint32_t now) {
 
 }  // namespace
 
-void ResetLinkSupervision() {
-  LinkSupervision.~LinkSupervisionRecord();
-  new (&LinkSupervision) LinkSupervisionRecord();
-}
-
 SupervisionDecision DecideSessionTick(uint32_t now) {
   SupervisionDecision d;
   switch (Instrument().Link.Supervision) {

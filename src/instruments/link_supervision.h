@@ -25,8 +25,6 @@ struct LinkSupervisionRecord {
 
 extern LinkSupervisionRecord LinkSupervision;
 
-// Puts the record back to its starting values.
-void ResetLinkSupervision();
 
 // One tick's decision.
 struct SupervisionDecision {

@@ -362,8 +362,6 @@ void FootprintStep(double x, double y) {
 
 }  // namespace
 
-void ResetLiveMap() { LiveMap = LiveMapRecord(); LiveMapCallPoints = LiveMapCallPointsRecord(); }
-
 void FixFootprintMethod() {
   const double lag = GpsLink.GpsOffsetYEffective;
   LiveMap.FootprintMethod = lag > 0 ? FOOTPRINT_PATH : lag < 0 ? FOOTPRINT_HEADING_AHEAD : FOOTPRINT_HEADING;

@@ -44,7 +44,6 @@ struct LiveMapCallPointsRecord {
 extern LiveMapRecord LiveMap;
 extern LiveMapCallPointsRecord LiveMapCallPoints;
 
-void ResetLiveMap();
 // Session start: the method follows the sign of GpsOffsetYEffective.
 void FixFootprintMethod();
 // Each start of logging, a resume included: the footprint and the reading

@@ -41,7 +41,6 @@ void CheckedFile(const char* bytes, size_t count) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 4) return 0;
   ResetProgramState();
-  ResetGpsReceiver();
   SelectVariant(data[0] & 1 ? 0 : 3, (data[0] >> 1) & 1);
   Settings.GpsDataOption = data[1] % 10;   // 9 is out of range on purpose
   Settings.PseudoGgaSlam = (data[1] >> 4) & 1;

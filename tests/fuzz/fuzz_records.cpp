@@ -151,7 +151,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzInput in{data, size, 0};
   uint8_t choice = TakeByte(in);
   ResetProgramState();
-  ResetDataFileRecords();
   SelectVariant(models[(choice & 0x0F) % 7], (choice >> 4) & 1);
   DataFileSink = CheckGroup;
   for (int calls = 0; calls < 64 && in.At < in.Size; ++calls) TakeWriterCall(in);

@@ -77,8 +77,6 @@ inline void InstallCapture() {
 inline void FreshMap(int windowSide, int mapSize) {
   ResetProgramState();
   InstallCapture();
-  ResetMapCanvas();
-  ResetLiveMap();
   Capture = MapCaptureRecord();
   MapWindow.MapWndWidth = windowSide;
   Settings.MapSize = mapSize;

@@ -45,7 +45,6 @@ TEST(SimulatedRoundHasNineSentences) {
 
 TEST(SimulatedRoundWritesWithFlagPAndTellsTheScreen) {
   ResetProgramState();
-  ResetGpsReceiver();
   Flags.clear();
   Told.clear();
   GpsActions.WriteRecords = CaptureWrite;

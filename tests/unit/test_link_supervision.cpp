@@ -13,7 +13,6 @@ constexpr uint32_t NOW = 100000;
 // A session of `model` whose last byte came `silentMs` before NOW.
 void Fresh(int model, uint32_t silentMs, int sessionState = SESSION_LOGGING) {
   ResetProgramState();
-  ResetLinkSupervision();
   SelectVariant(model, 0);
   Link.LinkTimeoutMs = model == Grad601 ? 1000 : model == EM38MK2 ? 500 : 200;
   Link.LastByteTick = NOW - silentMs;

@@ -232,7 +232,7 @@ TEST(PathMethodTakesTheTurnWhereTheAntennaTurned) {
 // 0 to 10 become 0..10; entry 11 becomes 31 - 20 = 11 and from then on the
 // rewritten base 11 is subtracted: 32 - 11 = 21 ... 49 - 11 = 38.
 TEST(CompactionReadsItsBaseAnew) {
-  ResetLiveMap();
+  ResetProgramState();
   LiveMap.HistoryCount = 41;
   for (int i = 0; i < 41; ++i) {
     LiveMap.HistoryPath[i] = i == 0 ? 0.0 : i + 9.0;

@@ -98,7 +98,6 @@ bool ChecksumValid(const std::string& line) {
 // A logging session in Auto mode looking for GGA with a checksum.
 void Fresh(int option, int surveyMode) {
   ResetProgramState();
-  ResetGpsReceiver();
   Written.clear();
   FileBytes.clear();
   GpsActions.WriteRecords = CaptureWrite;

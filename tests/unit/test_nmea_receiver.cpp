@@ -30,7 +30,6 @@ void CaptureTell(unsigned message) { Told.push_back(message); }
 // A logging session in Auto mode with the given "NMEA Data:" choice.
 void Fresh(int option = 1, const char* key = "GGA", int checksum = 1) {
   ResetProgramState();
-  ResetGpsReceiver();
   Written.clear();
   Told.clear();
   GpsActions.WriteRecords = CaptureWrite;

@@ -27,7 +27,6 @@ void FreshSession(int option) {
   FreshMap(WINDOW, 40);
   GpsQuality = GpsQualityRecord{};
   InitUtmConstants();
-  ResetGpsReceiver();
   Settings.GpsDataOption = option;
   Settings.PseudoGgaSlam = 0;
   SetGpsFormatTable();

@@ -28,7 +28,6 @@ LocalTime TestLocalTime() { return LocalTime{2026, 11, 14, 9, 5, 7, 42}; }
 // A program freshly started as the given variant, its records captured.
 void Start(int model, int product) {
   ResetProgramState();
-  ResetDataFileRecords();
   SelectVariant(model, product);
   Written.clear();
   SinkCalls = 0;

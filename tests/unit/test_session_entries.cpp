@@ -29,7 +29,6 @@ void CountSumsCleared() { ++SumsCleared; }
 
 void Start(int model, int product) {
   ResetProgramState();
-  ResetDataFileRecords();
   SelectVariant(model, product);
   Written.clear();
   SumsCleared = 0;
