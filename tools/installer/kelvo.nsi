@@ -65,6 +65,15 @@ InstType "Navigation programs (Lum)"
 
 Var SharedFolder
 
+; Shortcuts for every user of the computer.
+Function .onInit
+  SetShellVarContext all
+FunctionEnd
+
+Function un.onInit
+  SetShellVarContext all
+FunctionEnd
+
 ; The list opens at its first instrument: posted, since the list scrolls on
 ; after this page's show step.
 Function ComponentsShown
@@ -86,7 +95,6 @@ FunctionEnd
 
 ; ------------------------------------------------------------------ install
 Section "-Shared" SecShared
-  SetShellVarContext all
   SetOutPath "$INSTDIR"
   WriteUninstaller "$INSTDIR\uninstall.exe"
   StrCpy $SharedFolder "${SETTINGS_ROOT}\Temp"
@@ -111,7 +119,6 @@ SectionEnd
     Section "${NAME} (navigation)" ${ID}
       SectionIn 1 3
   !endif
-    SetShellVarContext all
     SetOutPath "$INSTDIR"
     File "${BIN_DIR}/${NAME}.exe"
     StrCpy $SharedFolder "${SETTINGS_ROOT}\${FOLDER}"
@@ -130,10 +137,10 @@ SectionEnd
 !undef Program
 
 Section "-Register" SecRegister
-  SetShellVarContext all
   WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayName" "${PRODUCT}"
   WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayVersion" "${PRODUCT_VERSION}"
   WriteRegStr HKLM "${UNINSTALL_KEY}" "Publisher" "${COMPANY}"
+  WriteRegStr HKLM "${UNINSTALL_KEY}" "DisplayIcon" "$INSTDIR\uninstall.exe"
   WriteRegStr HKLM "${UNINSTALL_KEY}" "InstallLocation" "$INSTDIR"
   WriteRegStr HKLM "${UNINSTALL_KEY}" "UninstallString" '"$INSTDIR\uninstall.exe"'
   WriteRegStr HKLM "${UNINSTALL_KEY}" "QuietUninstallString" '"$INSTDIR\uninstall.exe" /S'
@@ -177,7 +184,6 @@ SectionEnd
 !macroend
 
 Section "Uninstall"
-  SetShellVarContext all
   !define Instrument "!insertmacro IgnoreGroup"
   !define InstrumentEnd "!insertmacro Nothing"
   !define Program "!insertmacro RemoveProgram"
