@@ -33,3 +33,4 @@ add_custom_command(
   COMMENT "Making the setup program and the portable zip"
   VERBATIM)
 add_custom_target(installer ALL DEPENDS ${KELVO_SETUP_FILE} ${KELVO_PORTABLE_FILE})
+add_dependencies(installer ${KELVO_PROGRAM_TARGETS} kelvo_generated_res)
