@@ -3,7 +3,7 @@
 # any of them is missing. Shared by tools/run.sh and tools/test.sh.
 set -eu
 packages=(cmake ninja-build g++ clang python3 g++-mingw-w64-x86-64-posix wine wine64 xvfb socat
-          xdotool imagemagick fonts-wine proj-bin)
+          xdotool imagemagick fonts-wine proj-bin nsis)
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")

@@ -174,7 +174,8 @@ class Sandbox:
         env = dict(os.environ)
         env.update({"WINEPREFIX": self.prefix, "DISPLAY": self.display,
                     "WINEDEBUG": env.get("KELVO_WINEDEBUG", "-all"),
-                    "WINEDLLOVERRIDES": "mscoree,mshtml="})
+                    # No menu entries on the host for shortcuts made in the prefix.
+                    "WINEDLLOVERRIDES": "mscoree,mshtml=;winemenubuilder.exe=d"})
         return env
 
     def __enter__(self):
@@ -185,16 +186,27 @@ class Sandbox:
         return False
 
     # ------------------------------------------------------------ programs
-    def start(self, program, args=()):
-        exe = os.path.join(bin_dir(), program + ".exe")
-        if not os.path.isfile(exe):
-            raise RuntimeError("no program " + exe)
+    def start(self, program, args=(), exe=None):
+        """Starts a program of the build, or the one at `exe` (a C: path of
+        the prefix, such as an installed copy)."""
+        if exe is None:
+            exe = os.path.join(bin_dir(), program + ".exe")
+            if not os.path.isfile(exe):
+                raise RuntimeError("no program " + exe)
         process = subprocess.Popen(["wine", exe] + list(args), env=self.env(),
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                                    start_new_session=True)
         started = Program(self, program, process)
         self.programs.append(started)
         return started
+
+    def run_to_end(self, exe, args=(), timeout=120):
+        """Runs a Windows program (a setup program, an uninstaller) and waits
+        until every process it started has ended too; returns its exit code."""
+        result = subprocess.run(["wine", exe] + list(args), env=self.env(), capture_output=True,
+                                timeout=timeout, start_new_session=True)
+        subprocess.run(["wineserver", "-w"], env=self.env(), capture_output=True, timeout=timeout)
+        return result.returncode
 
     def run_tool(self, tool, args=(), timeout=60):
         """Runs a Windows console tool inside the prefix and returns its output."""
