@@ -26,6 +26,7 @@
 #include "map/map_canvas.h"
 #include "session/commands.h"
 #include "session/logging_screen_win.h"
+#include "session/recording.h"
 #include "session/session_dialogs_win.h"
 #include "session/session_menu_win.h"
 #include "session/session_state.h"
@@ -175,12 +176,7 @@ void FileCommand() {
   }
   if (DataFileState.DataFile != NO_HANDLE) {
     EnableReviewRow(1);
-    if (Settings.InstrumentEnabled == 0) {
-      Settings.GpsOffsetX = 0.0;
-      GpsLink.GpsOffsetYEffective = 0.0;
-      Settings.MapDisplayMode = 0;
-    }
-    Session.SessionState = SESSION_STANDBY;
+    TakeDataFile();
     ShowStandBySet();
     ShowStatusText(0);
     ShowStatusText(2);
@@ -197,46 +193,29 @@ void GoCommand() {
     Warn("Cannot start logging.", "Please increase the map size", "by 20-25%.");
     return;
   }
-  Session.ReviewActive = 0;
   Session.ProcessingEnabled = 0;
   EnableReviewRow(0);
   ShowSet(LoggingWindows.StandBySet, 0);
-  Session.GoTick = TickNow();
-  if (Settings.SurveyMode != SURVEY_MANUAL) Session.SurveyModeActive = Settings.SurveyMode;
-  Session.SessionState = SESSION_LOGGING;
+  StartRecording(TickNow());
   ShowStatusText(3);
   ShowChannelButtons(0);
-  Link.ReaderCount = 0;
-  Link.ReadingsPerMessage = (Settings.SurveyMode == SURVEY_AUTO) ? Link.KeepEveryNth : 1;
   ShowWindow(LoggingWindows.Pause, SW_SHOW);
   SendMessageW(LoggingWindows.Pause, BM_SETSTYLE, 1, TRUE);
-  ResetLiveMapForLogging();
-  PositionPipeline.BucketState = 0;
   ShowPauseHint(SESSION_LOGGING);
-  const uint32_t now = TickNow();
-  GpsLink.SessionStartTick = now;
-  WriteMarkerRecord(L"$STARTED", 'X');
   Session.ProcessingEnabled = 1;
 }
 
 // Pause: recording stops and the file is made safe.
 void PauseCommand() {
-  Session.SessionState = SESSION_STANDBY;
-  ShowPauseHint(SESSION_STANDBY);
   Session.ProcessingEnabled = 0;
-  WriteMarkerRecord(Session.MapTooSmall == 1 ? L"PAUSED BMP" : L"PAUSED", 'X');
+  const PauseWarning warning = StopRecording();
+  ShowPauseHint(SESSION_STANDBY);
   ReopenDataFileAtEnd();
   ShowChannelButtons(1);
-  Link.ReaderCount = 0;
-  Link.ReadingsPerMessage = 1;
-  UpdateSessionClocks();
-  Session.LineTimeAtPause = Session.LineTimeMs;
-  Session.TotalTimeAtPause = Session.TotalTimeMs;
   ShowStandBySet();
   if (Session.MapVisible) EnableReviewRow(1);
   ShowStatusText(2);
-  if (Session.MapTooSmall == 1) {
-    Session.MapTooSmall = 2;
+  if (warning == PAUSE_MAP_TOO_SMALL) {
     Ring(L"SOUND_RING_2S");
     Warn("Please select Map Size option", "and increase the map size", "by 20-25%.");
   }
@@ -246,28 +225,12 @@ void PauseCommand() {
 
 // "&QLine": the next line at once, to and fro in Alternate sequence.
 void QuickLineCommand() {
-  char line[TEXT_LINE_CHARS];
-  NarrowText(Settings.SurveyLine, line, TEXT_LINE_CHARS);
   char next[64];
-  FormatNarrow(next, sizeof next, "%.2f", AsciiToDouble(line) + Settings.LineIncrement);
+  QuickLineName(next, sizeof next);
   wchar_t wide[64];
   WidenText(next, wide, 64);
   if (ShowMessage(Windows.ScreenLog, L"MESSAGEYESNO", L"Quick Line", wide) != 1) return;
-  Session.LineCount += 1;
-  Session.LineTimeAtPause = 0;
-  Session.StationsOnLine = 0;
-  Session.LineDistance = 0.0;
-  next[TEXT_LINE_CHARS - 1] = 0;
-  WidenText(next, Settings.SurveyLine, TEXT_LINE_CHARS);
-  if (Settings.LineSequence == 1) {
-    Session.CurrentStation = Settings.StartStation;
-  } else {
-    Session.StationIncrement = -Session.StationIncrement;
-    Settings.LineDirection = 3 - Settings.LineDirection;
-    Settings.StartStation = Session.CurrentStation;
-  }
-  WriteLineHeader();
-  WriteTimeRecord();
+  TakeQuickLine(next);
   LoadSettings(SETTINGS_SAVE);
   RepaintLoggingScreen();
 }

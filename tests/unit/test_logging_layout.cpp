@@ -29,7 +29,6 @@ void StartScreen(int model, int product, int w, int h, int p, int portrait, int 
   LoggingLayoutCreateStep();
 }
 
-const int Models[] = {Grad601, EM61LX2, EM61MK2, EM31MK2, EM38, EM343, EM38MK2};
 
 }  // namespace
 
@@ -479,7 +478,7 @@ TEST(EveryProgramFitsOnEveryScreen) {
   struct Size { int W, H, P, Portrait; };
   const Size sizes[] = {{1280, 762, 18, 0}, {1024, 730, 16, 0}, {1000, 662, 16, 0}, {800, 562, 16, 0},
                         {800, 1242, 18, 1}, {768, 986, 16, 1}, {640, 986, 16, 1}};
-  for (int model : Models)
+  for (int model : AllModels())
     for (int product = 0; product < 2; ++product)
       for (const Size& s : sizes)
         for (int map = 0; map < 2; ++map)

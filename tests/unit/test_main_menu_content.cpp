@@ -432,8 +432,7 @@ TEST(PictureOfTwoLx2Coils) {
 }
 
 TEST(PictureOfEveryModelSurvivesBrokenSettings) {
-  const int models[] = {Grad601, EM61LX2, EM61MK2, EM31MK2, EM38, EM343, EM38MK2};
-  for (int model : models) {
+  for (int model : AllModels()) {
     Landscape(model);
     Settings.SensorSize = 99;
     Settings.SensorSeparation = 0.0;

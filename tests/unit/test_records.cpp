@@ -61,8 +61,7 @@ const char* const Gga68 = "$GPGGA,133524,4336.5940,N,07936.6403,W,8,11,2.0,142.5
 // ---------------------------------------------------------------- lengths
 
 TEST(RecordLengthIs27ExceptNavigationWithTheEm31Mk2) {
-  const int models[] = {Grad601, EM61LX2, EM61MK2, EM31MK2, EM38, EM343, EM38MK2};
-  for (int model : models) {
+  for (int model : AllModels()) {
     SelectVariant(model, MAPPING_PRODUCT);
     CHECK_EQ(RecordLength(), 27);
     SelectVariant(model, NAVIGATION_PRODUCT);
@@ -1085,7 +1084,7 @@ void RandomWriterCall() {
 }  // namespace
 
 TEST(AnySequenceOfWritersGivesWholeRecordsEndingInALineFeed) {
-  const int models[] = {Grad601, EM61LX2, EM61MK2, EM31MK2, EM38, EM343, EM38MK2};
+  const auto& models = AllModels();
   Seed = 20261114;
   int records = 0;
   for (int round = 0; round < 400; ++round) {

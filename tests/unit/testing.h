@@ -1,6 +1,7 @@
 // A small test runner shared by every unit test program. It builds natively
 // and for Windows (run under Wine), so nothing here may depend on a platform.
 #pragma once
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -31,6 +32,10 @@ template <typename T> std::string Show(const T& value) {
 
 // The variant a test runs as; the programs fix it at build time instead.
 void SelectVariant(int instrumentModel, int productMode);
+
+// The seven instrument models, in the order of the one variant list.
+constexpr int MODEL_COUNT = 7;
+const std::array<int, MODEL_COUNT>& AllModels();
 
 #define TEST(name)                                                              \
   static void name();                                                           \
