@@ -1,5 +1,9 @@
 // GDI side of the map: DIB-section pages, one memory device context to draw
-// into them, and the blits to MapWnd.
+// into them, and the blits to MapWnd. Only the pages used last are held as
+// DIB sections; the others are kept packed (page_codec) and come back, pixel
+// for pixel, when they are drawn into or shown again. So a survey far larger
+// than the view keeps every pixel drawn while its memory and GDI objects stay
+// bounded.
 #include <cstdint>
 #include <vector>
 
@@ -8,14 +12,22 @@
 #include "map/map_canvas.h"
 #include "map/map_canvas_win.h"
 #include "map/map_surface.h"
+#include "map/page_codec.h"
 
 namespace {
 
 struct GdiPage {
-  HBITMAP Bitmap;
-  void* Bits;
-  int Side;
+  HBITMAP Bitmap = nullptr;       // null while packed (or free)
+  void* Bits = nullptr;
+  int Side = 0;
+  int InUse = 0;                  // the page exists, held or packed
+  std::vector<uint8_t> Packed;    // its pixels while not held
+  uint64_t LastUse = 0;
 };
+
+// DIB sections held at most: a view shows four data and four grid pages,
+// and a track rarely touches more than a few pages between two positions.
+constexpr int HELD_PAGE_LIMIT = 96;
 
 struct GdiMapRecord {
   std::vector<GdiPage> Pages;        // page n is Pages[n - 1]
@@ -25,8 +37,10 @@ struct GdiMapRecord {
   uint32_t Selected = 0;
   HWND Window = nullptr;
   HDC WindowDcOverride = nullptr;
-  int LivePages = 0;
-  long long PageBytes = 0;
+  int LivePages = 0;               // DIB sections held
+  long long PageBytes = 0;        // their bytes
+  long long PackedBytes = 0;      // bytes of the packed pages
+  uint64_t UseClock = 0;
 };
 
 GdiMapRecord GdiMap;
@@ -44,7 +58,70 @@ HDC CanvasDc() {
 GdiPage* PageOf(uint32_t page) {
   if (page == 0 || page > GdiMap.Pages.size()) return nullptr;
   GdiPage* found = &GdiMap.Pages[page - 1];
-  return found->Bitmap ? found : nullptr;
+  return found->InUse ? found : nullptr;
+}
+
+HBITMAP NewDibSection(int side, void** bits) {
+  BITMAPINFO info = {};
+  info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
+  info.bmiHeader.biWidth = side;
+  info.bmiHeader.biHeight = -side;     // rows top-down, as local y runs
+  info.bmiHeader.biPlanes = 1;
+  info.bmiHeader.biBitCount = 24;
+  info.bmiHeader.biCompression = BI_RGB;
+  return CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, bits, nullptr, 0);
+}
+
+void DropHeld(GdiPage& page) {
+  DeleteObject(page.Bitmap);
+  page.Bitmap = nullptr;
+  page.Bits = nullptr;
+  GdiMap.PageBytes -= RowBytes(page.Side) * page.Side;
+  --GdiMap.LivePages;
+}
+
+// The page used longest ago, but never the page being drawn into, is packed.
+void PackLeastUsedPage() {
+  GdiPage* oldest = nullptr;
+  for (uint32_t id = 1; id <= GdiMap.Pages.size(); ++id) {
+    GdiPage& page = GdiMap.Pages[id - 1];
+    if (!page.Bitmap || id == GdiMap.Selected) continue;
+    if (!oldest || page.LastUse < oldest->LastUse) oldest = &page;
+  }
+  if (!oldest) return;
+  GdiFlush();
+  PackPage((const uint8_t*)oldest->Bits, RowBytes(oldest->Side), oldest->Side, oldest->Packed);
+  oldest->Packed.shrink_to_fit();
+  GdiMap.PackedBytes += (long long)oldest->Packed.size();
+  DropHeld(*oldest);
+}
+
+void MakeRoomForPage() {
+  while (GdiMap.LivePages >= HELD_PAGE_LIMIT) {
+    const int before = GdiMap.LivePages;
+    PackLeastUsedPage();
+    if (GdiMap.LivePages == before) break;
+  }
+}
+
+// The page as a DIB section, unpacked if it was packed; null if it cannot be.
+GdiPage* HeldPage(uint32_t id) {
+  GdiPage* page = PageOf(id);
+  if (page == nullptr) return nullptr;
+  page->LastUse = ++GdiMap.UseClock;
+  if (page->Bitmap) return page;
+  MakeRoomForPage();
+  void* bits = nullptr;
+  HBITMAP bitmap = NewDibSection(page->Side, &bits);
+  if (bitmap == nullptr) return nullptr;
+  page->Bitmap = bitmap;
+  page->Bits = bits;
+  ++GdiMap.LivePages;
+  GdiMap.PageBytes += RowBytes(page->Side) * page->Side;
+  UnpackPage(page->Packed, (uint8_t*)bits, RowBytes(page->Side), page->Side);
+  GdiMap.PackedBytes -= (long long)page->Packed.size();
+  std::vector<uint8_t>().swap(page->Packed);
+  return page;
 }
 
 HPEN PenOf(int pen) {
@@ -100,24 +177,23 @@ void DrawEllipse(HDC dc, int pen, int brush, int left, int top, int right, int b
 
 uint32_t GdiCreatePage(int side) {
   if (side < 1) side = 1;
-  BITMAPINFO info = {};
-  info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-  info.bmiHeader.biWidth = side;
-  info.bmiHeader.biHeight = -side;     // rows top-down, as local y runs
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 24;
-  info.bmiHeader.biCompression = BI_RGB;
+  MakeRoomForPage();
   void* bits = nullptr;
-  HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  HBITMAP bitmap = NewDibSection(side, &bits);
   if (bitmap == nullptr) return 0;   // no page: nothing will be drawn there
-  GdiPage page = {bitmap, bits, side};
+  GdiPage page;
+  page.Bitmap = bitmap;
+  page.Bits = bits;
+  page.Side = side;
+  page.InUse = 1;
+  page.LastUse = ++GdiMap.UseClock;
   uint32_t id;
   if (!GdiMap.FreePages.empty()) {
     id = GdiMap.FreePages.back();
     GdiMap.FreePages.pop_back();
-    GdiMap.Pages[id - 1] = page;
+    GdiMap.Pages[id - 1] = std::move(page);
   } else {
-    GdiMap.Pages.push_back(page);
+    GdiMap.Pages.push_back(std::move(page));
     id = (uint32_t)GdiMap.Pages.size();
   }
   ++GdiMap.LivePages;
@@ -132,15 +208,14 @@ void GdiDeletePage(uint32_t id) {
     SelectObject(CanvasDc(), GdiMap.CanvasFirstBitmap);
     GdiMap.Selected = 0;
   }
-  DeleteObject(page->Bitmap);
-  GdiMap.PageBytes -= RowBytes(page->Side) * page->Side;
-  --GdiMap.LivePages;
-  *page = {nullptr, nullptr, 0};
+  if (page->Bitmap) DropHeld(*page);
+  GdiMap.PackedBytes -= (long long)page->Packed.size();
+  *page = GdiPage();
   GdiMap.FreePages.push_back(id);
 }
 
 void GdiSelectPage(uint32_t id) {
-  GdiPage* page = PageOf(id);
+  GdiPage* page = HeldPage(id);
   if (page == nullptr) return;
   SelectObject(CanvasDc(), page->Bitmap);
   GdiMap.Selected = id;
@@ -164,7 +239,7 @@ void GdiPageEllipse(int pen, int brush, int left, int top, int right, int bottom
 void GdiUseWindow(HandleWord window) { GdiMap.Window = (HWND)window; }
 
 void GdiWindowBlit(uint32_t id, int x, int y, int width, int height, int rasterOp) {
-  GdiPage* page = PageOf(id);
+  GdiPage* page = HeldPage(id);
   if (page == nullptr) return;
   HDC window = AcquireWindowDc();
   if (window == nullptr) return;
@@ -172,8 +247,9 @@ void GdiWindowBlit(uint32_t id, int x, int y, int width, int height, int rasterO
   SelectObject(canvas, page->Bitmap);
   BitBlt(window, x, y, width, height, canvas, 0, 0, rasterOp == MAP_BLIT_AND ? SRCAND : SRCCOPY);
   // Drawing goes on in the page chosen last.
+  // A page left in the context could not be packed away later.
   GdiPage* selected = PageOf(GdiMap.Selected);
-  if (selected) SelectObject(canvas, selected->Bitmap);
+  SelectObject(canvas, selected && selected->Bitmap ? (HGDIOBJ)selected->Bitmap : GdiMap.CanvasFirstBitmap);
   ReleaseWindowDc(window);
 }
 
@@ -257,12 +333,13 @@ void ReleaseGdiMapSurface() {
   GdiMap.Selected = 0;
   GdiMap.LivePages = 0;
   GdiMap.PageBytes = 0;
+  GdiMap.PackedBytes = 0;
 }
 
 void UseMapWindowDc(HDC dc) { GdiMap.WindowDcOverride = dc; }
 
 COLORREF MapPagePixel(uint32_t id, int x, int y) {
-  GdiPage* page = PageOf(id);
+  GdiPage* page = HeldPage(id);
   if (page == nullptr || x < 0 || y < 0 || x >= page->Side || y >= page->Side) return 0xFFFFFFFF;
   GdiFlush();
   const unsigned char* pixel =
@@ -272,3 +349,4 @@ COLORREF MapPagePixel(uint32_t id, int x, int y) {
 
 int MapGdiPageCount() { return GdiMap.LivePages; }
 long long MapGdiPageBytes() { return GdiMap.PageBytes; }
+long long MapGdiPackedBytes() { return GdiMap.PackedBytes; }

@@ -14,6 +14,8 @@ void ReleaseGdiMapSurface();
 void UseMapWindowDc(HDC dc);
 // Pixel of a page as 0x00BBGGRR, or 0xFFFFFFFF outside it.
 COLORREF MapPagePixel(uint32_t page, int x, int y);
-// GDI objects and bytes held by the pages.
+// GDI objects and bytes of the pages held as DIB sections, and the bytes of
+// the pages kept packed.
 int MapGdiPageCount();
 long long MapGdiPageBytes();
+long long MapGdiPackedBytes();

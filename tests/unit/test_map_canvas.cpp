@@ -808,3 +808,34 @@ TEST(GdiCompositionCopiesTheGridThenAndsTheData) {
   ResetMapCanvas();
 #endif
 }
+
+// Far more pages than are held as DIB sections: each is packed away when
+// others are used and comes back pixel for pixel, and the GDI objects stay
+// bounded.
+TEST(GdiPagesBeyondTheHeldOnesArePackedAndComeBack) {
+#ifndef _WIN32
+  SKIP("GDI pages exist only on Windows");
+#else
+  StartGdiMap(WINDOW, 40);
+  const int count = 300;
+  std::vector<uint32_t> pages;
+  for (int i = 0; i < count; ++i) {
+    uint32_t page = EnsureTile(700 + i % 20, 700 + i / 20, 1);
+    MapDrawing.PageLine(MAP_PEN_POSITION1, i % 40, 0, i % 40, 40);   // a column unique to the page
+    pages.push_back(page);
+  }
+  CHECK(MapGdiPageCount() <= 96);
+  CHECK(MapGdiPackedBytes() > 0);
+  int wrong = 0;
+  for (int i = 0; i < count; ++i) {
+    const int column = i % 40;
+    if (MapPagePixel(pages[i], column, 20) != POSITION_PIXEL) ++wrong;
+    if (MapPagePixel(pages[i], (column + 1) % 40, 20) != WHITE_PIXEL) ++wrong;
+  }
+  CHECK_EQ(wrong, 0);
+  CHECK(MapGdiPageCount() <= 96);
+  ResetMapCanvas();
+  CHECK_EQ(MapGdiPageCount(), 0);
+  CHECK_EQ(MapGdiPackedBytes(), 0);
+#endif
+}
