@@ -15,6 +15,7 @@
 #include "instruments/link_supervision.h"
 #include "instruments/serial_ports_win.h"
 #include "map/live_map.h"
+#include "map/background_files_win.h"
 #include "map/map_canvas.h"
 #include "map/map_canvas_win.h"
 #include "map/scale_ticks.h"
@@ -72,7 +73,7 @@ void PrepareSessionState() {
   Session.MapVisible = Settings.GpsInput != 0 ? 1 : 0;
   if (IsNavigation()) Settings.MapDisplayMode = 0;
 
-  SessionExtras.BackgroundFileCount = 0;
+  StartBackgroundFiles();
   ResetMapForSession();
 
   const double rate = Settings.SampleInterval != 0.0 ? 1.0 / Settings.SampleInterval : 0.0;
