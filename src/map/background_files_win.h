@@ -10,5 +10,8 @@ void StartBackgroundFiles();
 // Leaving the session: the intermediate files deleted.
 void EndBackgroundFiles();
 
+// The background surface drawn with GDI on the canvas' pages.
+void UseGdiBackgroundSurface();
+
 void EnterBackgroundFilesCommand(HWND screen);
 void RemoveBackgroundFilesCommand(HWND screen);

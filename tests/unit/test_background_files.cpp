@@ -29,17 +29,22 @@ std::vector<std::string> RecordsOf(const std::string& bytes) {
   return out;
 }
 
-std::string ParseText(const std::string& text, const AsciiLayout& layout, long long* count = nullptr) {
-  MemoryBytes bytes{text.data(), text.size(), 0};
+// Runs a parser over bytes in memory; the records it writes.
+template <typename Parse> std::string Converted(const std::string& bytes, long long* count, Parse parse) {
+  MemoryBytes source{bytes.data(), bytes.size(), 0};
   static InputStream in;
-  OpenInputStream(in, FillFromMemory, &bytes);
+  OpenInputStream(in, FillFromMemory, &source);
   std::string written;
   static OutputStream out;
   OpenOutputStream(out, [](void* c, const char* b, int n) { static_cast<std::string*>(c)->append(b, (size_t)n); },
                    &written);
-  long long records = ParseBackgroundAscii(in, layout, out);
+  const long long records = parse(in, out);
   if (count) *count = records;
   return written;
+}
+
+std::string ParseText(const std::string& text, const AsciiLayout& layout, long long* count = nullptr) {
+  return Converted(text, count, [&](InputStream& in, OutputStream& out) { return ParseBackgroundAscii(in, layout, out); });
 }
 
 AsciiLayout Layout(int delimiter, int labels = 0) {
@@ -92,19 +97,10 @@ std::string FamilyHeader(const char* signature, int length, double offX, double 
   return Record(signature, length) + Record("HSURVEY", length) + Record(g, length);
 }
 
-std::string ParseFamily(const std::string& bytes, long long* count = nullptr, FamilyFile* seen = nullptr) {
-  FamilyFile file = RecogniseFamilyFile(bytes.data(), (int)(bytes.size() < 108 ? bytes.size() : 108));
-  if (seen) *seen = file;
-  MemoryBytes source{bytes.data(), bytes.size(), 0};
-  static InputStream in;
-  OpenInputStream(in, FillFromMemory, &source);
-  std::string written;
-  static OutputStream out;
-  OpenOutputStream(out, [](void* c, const char* b, int n) { static_cast<std::string*>(c)->append(b, (size_t)n); },
-                   &written);
-  long long records = ParseBackgroundDataFile(in, file, out);
-  if (count) *count = records;
-  return written;
+std::string ParseFamily(const std::string& bytes, long long* count = nullptr) {
+  const FamilyFile file = RecogniseFamilyFile(bytes.data(), (int)(bytes.size() < 108 ? bytes.size() : 108));
+  return Converted(bytes, count,
+                   [&](InputStream& in, OutputStream& out) { return ParseBackgroundDataFile(in, file, out); });
 }
 
 BackgroundPoint PointOf(const std::string& record37) {
