@@ -50,11 +50,14 @@ def text_file(delimiter, runs, label):
     return ("\r\n".join(lines) + "\r\n").encode()
 
 
-def family_file(points):
-    """A data file of the mapping family (27-byte records, GGA), by hand."""
+def family_file(points, signature="KLV31   W226GPS0 0 0 0", length=27):
+    """A data file of the family (GGA), by hand: 27-byte records, 24 for the
+    navigation EM31-MK2."""
+    width = length - 2
+
     def record(text):
-        return (text[:26].ljust(26) + "\n").encode()
-    out = record("KLV31   W226GPS0 0 0 0")
+        return (text[:length - 1].ljust(length - 1) + "\n").encode()
+    out = record(signature)
     out += record("HBACKGROUND   1.000    0")
     out += record("G  0.000  0.000 70011")
     out += record("G    500000.000 17")
@@ -67,9 +70,9 @@ def family_file(points):
         sentence = "$GPGGA,1200%02d.00,%02d%08.5f,%s,%03d%08.5f,%s,4,10,0.9,100.0,M,-34.0,M,,*00" % (
             n, int(la), (la - int(la)) * 60, "N" if lat >= 0 else "S", int(lo), (lo - int(lo)) * 60,
             "E" if lon >= 0 else "W")
-        slices = [sentence[i:i + 25] for i in range(0, len(sentence), 25)]
+        slices = [sentence[i:i + width] for i in range(0, len(sentence), width)]
         out += record("@" + slices[0]) + b"".join(record("#" + s) for s in slices[1:])
-        out += record("!%06dp" % (n + 1) + " " * 8 + "%10d" % (123457000 + n))
+        out += record(("!%06dp" % (n + 1)).ljust(length - 11) + "%10d" % (123457000 + n))
     return out
 
 
@@ -156,12 +159,14 @@ def set_combo(box, rows, control_id, index):
     return False
 
 
-def load(box, checks, window, name, kind, delimiter, display):
+def load(box, checks, window, name, kind, delimiter, display, labels=True):
     box.key(window, "v")
     dialog = box.wait_title("Load BackGround File")
     if not checks.check(dialog is not None, name + ": the load dialog opens on V"):
         return False
     rows = box.windows()
+    checks.equal(any(r["id"] == COLUMN_LABEL and r["visible"] for r in rows), labels,
+                 name + ": the labels column only in the mapping product's dialog")
     set_combo(box, rows, TYPE, kind)
     if kind != 0:
         set_combo(box, rows, COORDINATES, 0)
@@ -191,18 +196,66 @@ def load(box, checks, window, name, kind, delimiter, display):
     return False
 
 
-def main():
-    checks = harness.Checks()
+def simulator():
     sim_path = os.path.join(harness.native_tools_dir(), "fieldsim", "fieldsim")
     if not os.path.isfile(sim_path):
         harness.skip("no field simulator at " + sim_path)
+    return sim_path
+
+
+def start_walk(box, sim_path):
+    gps = box.serial_pair(survey.GPS_COM)
+    box.spawn([sim_path, "--gps", gps, "--gps-option", "1", "--rate", "5", "--heading", "0",
+               "--lines", "10", "--line-length", "5", "--spacing", "0.5", "--speed", "0.8"],
+              stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
+def navigation(checks, sim_path):
+    """Lum31: the smaller dialog, a data file of 24-byte records joined by a
+    thin line and a text file as dots, loaded while Monitoring."""
+    program_name = "Lum31"
+    with harness.Sandbox("background-navigation") as box:
+        path = session.first_start(box, program_name)
+        session.edit_settings(path, {4: 0, 37: 1})
+        start_walk(box, sim_path)
+        os.makedirs(box.c_path(FOLDER), exist_ok=True)
+        os.makedirs(box.c_path(TEMP), exist_ok=True)
+        plan = [
+            ("nav.gxy", 0, 1, 1, family_file([(-6 + i, 14) for i in range(13)], "LUM31   W216GPS0 0 0", 24),
+             (-7, 13, 7, 15)),
+            ("dots.txt", 1, 1, 0, text_file(",", [[(-14 + 2 * i, -10) for i in range(5)]], "D"), (-15, -11, -5, -9)),
+        ]
+        for name, _, _, _, data, _ in plan:
+            with open(os.path.join(box.c_path(FOLDER), name), "wb") as f:
+                f.write(data)
+        program, window = session.start_program(box, program_name)
+        box.key(window, "l")
+        if not checks.check(survey.wait_first_fix(box), program_name + ": the first fix"):
+            return
+        for name, kind, delimiter, display, _, _ in plan:
+            load(box, checks, window, name, kind, delimiter, display, labels=False)
+        time.sleep(3)
+        geometry = MapGeometry(box)
+        image = read_pixels(box.screenshot("background-navigation"))
+        if checks.check(geometry.rect is not None, program_name + ": the map window is shown"):
+            for name, _, _, _, _, area in plan:
+                found = count_colour(image, geometry.box(area), BACKGROUND)
+                checks.check(found > 15, "%s: %s drawn where it lies (%d pixels)" % (program_name, name, found))
+        box.key(window, "x")
+        checks.check(session.control_visible(box, 420, "&Logging"), program_name + ": back at the main menu")
+        checks.equal(os.listdir(box.c_path(TEMP)), [], program_name + ": the intermediate files are deleted")
+        box.key(window, "x")
+        checks.equal(program.wait(30), 0, program_name + ": exit code 0")
+
+
+def main():
+    checks = harness.Checks()
+    sim_path = simulator()
+    navigation(checks, sim_path)
     with harness.Sandbox("background") as box:
         path = session.first_start(box, PROGRAM)
         session.edit_settings(path, {4: 0, 37: 1})
-        gps = box.serial_pair(survey.GPS_COM)
-        box.spawn([sim_path, "--gps", gps, "--gps-option", "1", "--rate", "5", "--heading", "0",
-                   "--lines", "10", "--line-length", "5", "--spacing", "0.5", "--speed", "0.8"],
-                  stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        start_walk(box, sim_path)
         os.makedirs(box.c_path(FOLDER), exist_ok=True)
         os.makedirs(box.c_path(TEMP), exist_ok=True)
         plan = files()
