@@ -60,3 +60,20 @@
 
 // The GPS monitor's command dialog.
 #define IDC_GPS_COMMAND_TEXT 1330
+
+// BACKGROUNDFILELOAD and BACKGROUNDFILELOADKL, "Load BackGround File".
+#define IDC_BG_LOADED 1341
+#define IDC_BG_TYPE 1342
+#define IDC_BG_FILE_NOTE 1343
+#define IDC_BG_COORDINATES 1344
+#define IDC_BG_DATUM_NOTE 1345
+#define IDC_BG_COLUMN_X 1346
+#define IDC_BG_COLUMN_Y 1347
+#define IDC_BG_COLUMN_LABEL 1348
+#define IDC_BG_DELIMITER 1349
+#define IDC_BG_DISPLAY 1350
+
+// BACKGROUNDFILEREMOVE, "Remove BackGround Files": "Select All" and a check
+// box for each of the ten files.
+#define IDC_BG_REMOVE_ALL 1360
+#define IDC_BG_REMOVE_FIRST 1361

@@ -88,7 +88,7 @@ void CreateMapPens(int again) {
   Tools.BrushPosition = CreateSolidBrush((COLORREF)Settings.PositionColor);
   if (again != 1) {
     // The background file colour is fixed.
-    COLORREF background = RGB(255, 0, 255);
+    COLORREF background = BACKGROUND_FILE_COLOUR;
     Tools.PenBackground1 = MakePen(1, background);
     Tools.PenBackground2 = MakePen(2, background);
     Tools.PenBackground3 = MakePen(3, background);

@@ -7,6 +7,8 @@ constexpr int MAIN_BUTTON_COUNT = 10;
 constexpr int MAIN_BUTTON_FIRST_ID = 420;
 constexpr int LOGGING_SCREEN_ID = 4;
 constexpr int GPS_MONITOR_ID = 780;
+// The colour of background files on the map.
+constexpr COLORREF BACKGROUND_FILE_COLOUR = RGB(0x20, 0x20, 0x20);
 
 struct WindowsRecord {
   HINSTANCE Instance = nullptr;
@@ -70,7 +72,7 @@ struct DrawingToolsRecord {
   HPEN PenPosition1 = nullptr;
   HPEN PenPosition2 = nullptr;
   HBRUSH BrushPosition = nullptr;
-  HPEN PenBackground1 = nullptr;
+  HPEN PenBackground1 = nullptr;     // background files, BACKGROUND_FILE_COLOUR
   HPEN PenBackground2 = nullptr;
   HPEN PenBackground3 = nullptr;
   HBRUSH BrushBackground = nullptr;

@@ -12,6 +12,7 @@
 #include "gps/reading_bucket.h"
 #include "instruments/em_frame_reader.h"
 #include "instruments/link_supervision.h"
+#include "map/background_files.h"
 #include "map/live_map.h"
 #include "map/map_canvas.h"
 #include "session/logging_layout.h"
@@ -67,5 +68,6 @@ void ResetProgramState() {
   ResetRecord(LiveMapCallPoints);
   ResetRecord(LoggingLayout);
   ResetRecord(SessionExtras);
+  ResetRecord(BackgroundSet);
   ResetRecord(MainMenuContent);
 }

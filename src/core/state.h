@@ -43,6 +43,7 @@ constexpr int TEXT_LINE_CHARS = 16;    // 15 characters and the terminator
 //   instruments/link_supervision.h: LinkSupervision instruments/em_frame_reader.h: FrameReader
 //   map/map_canvas.h:          MapCanvas, TileTable, MapCallPoints
 //   map/live_map.h:            LiveMap, LiveMapCallPoints
+//   map/background_files.h:    BackgroundSet
 //   session/logging_layout.h:  LoggingLayout        session/session_state.h: SessionExtras
 //   core/main_menu_content.h:  MainMenuContent
 //   Win32 only (platform_win.h and the screens): Windows, Fonts, Tools,

@@ -338,6 +338,8 @@ void ReleaseGdiMapSurface() {
 
 void UseMapWindowDc(HDC dc) { GdiMap.WindowDcOverride = dc; }
 
+HDC MapCanvasDc() { return GdiMap.Selected ? CanvasDc() : nullptr; }
+
 COLORREF MapPagePixel(uint32_t id, int x, int y) {
   GdiPage* page = HeldPage(id);
   if (page == nullptr || x < 0 || y < 0 || x >= page->Side || y >= page->Side) return 0xFFFFFFFF;

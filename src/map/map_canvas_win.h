@@ -12,6 +12,9 @@ void ReleaseGdiMapSurface();
 // Draws window operations into `dc` instead of the map window (a raster of
 // the test programs, or a print); null returns to the window.
 void UseMapWindowDc(HDC dc);
+// The memory device context holding the page selected last, for drawing that
+// the surface has no call for; null before any page is selected.
+HDC MapCanvasDc();
 // Pixel of a page as 0x00BBGGRR, or 0xFFFFFFFF outside it.
 COLORREF MapPagePixel(uint32_t page, int x, int y);
 // GDI objects and bytes of the pages held as DIB sections, and the bytes of

@@ -17,6 +17,7 @@
 #include "datafile/create_data_file_win.h"
 #include "datafile/records.h"
 #include "gps/position_pipeline.h"
+#include "map/background_files_win.h"
 #include "map/live_map.h"
 #include "map/scale_ticks.h"
 #include "gps/gps_reader_win.h"
@@ -96,7 +97,7 @@ void LeaveToMainMenu() {
     Session.ProcessingEnabled = 1;
     return;
   }
-  SessionExtras.BackgroundFileCount = 0;
+  EndBackgroundFiles();
   if (Session.ReviewActive) ExitMapReview();
   ShowSet(LoggingWindows.StandBySet, 0);
   ShowWindow(LoggingWindows.Pause, SW_HIDE);
@@ -283,6 +284,7 @@ void ToggleViewCommand() {
   if (Session.MapVisible) {
     RedrawTiles(2);
     ShowPleaseWait();
+    if (MapCallPoints.DrawBackgroundFiles) MapCallPoints.DrawBackgroundFiles();
     if (MapCallPoints.ReplayMap) MapCallPoints.ReplayMap();
     MapCanvas.ReanchorPending = 1;
     EnableReviewRow(1);
@@ -358,8 +360,10 @@ void RunCommand(int code) {
       MapViewCommandOfScreen(code);
       break;
     case CMD_ENTER_REVIEW: ReviewCommand(1); break;
+    case CMD_ENTER_BACKGROUND: EnterBackgroundFilesCommand(Windows.ScreenLog); break;
+    case CMD_REMOVE_BACKGROUND: RemoveBackgroundFilesCommand(Windows.ScreenLog); break;
     case CMD_EXIT_REVIEW: ReviewCommand(0); break;
-    default: break;  // dialogs of scales, colours, alarms and background files come later
+    default: break;  // dialogs of scales, colours and alarms come later
   }
 }
 

@@ -6,6 +6,7 @@
 #include "gps/nmea_format.h"
 #include "gps/position_pipeline.h"
 #include "instruments/instrument.h"
+#include "map/background_files.h"
 #include "map/live_map.h"
 #include "map/map_canvas.h"
 #include "map/scale_ticks.h"
@@ -44,7 +45,7 @@ void PrepareSessionState() {
   Session.MapVisible = Settings.GpsInput != 0 ? 1 : 0;
   if (IsNavigation()) Settings.MapDisplayMode = 0;
 
-  SessionExtras.BackgroundFileCount = 0;
+  ForgetBackgroundFiles();
   ResetMapForSession();
 
   const int byRate = AudioTickEveryByRate();

@@ -16,6 +16,7 @@
 #include "instruments/link_supervision.h"
 #include "instruments/serial_ports_win.h"
 #include "map/live_map.h"
+#include "map/background_files_win.h"
 #include "map/map_canvas.h"
 #include "map/map_canvas_win.h"
 #include "map/scale_ticks.h"
@@ -35,6 +36,7 @@ void ShowWide(const wchar_t* templateName, const wchar_t* title, const char* tex
 // Steps 1 to 12: the state of a new session, before anything is checked;
 // the windows are arranged between its two halves.
 void PrepareSession() {
+  StartBackgroundFiles();
   PrepareSessionState();
   ArrangeLoggingScreenWindows();
   ShareScreenPlaces();

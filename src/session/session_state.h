@@ -2,9 +2,7 @@
 #pragma once
 
 struct SessionExtrasRecord {
-  int BackgroundFileCount = 0;
   int GpsDataSeen = 0;
-  wchar_t BackgroundNames[10][261] = {};
 };
 
 extern SessionExtrasRecord SessionExtras;
