@@ -46,7 +46,6 @@ void Keep(void* context, const char* bytes, int count) {
 
 void FreshMap() {
   ResetProgramState();
-
   MapWindow.MapWndWidth = WINDOW_SIDE;
   Settings.MapSize = 40;
   ApplyMapWindowSide(WINDOW_SIDE);
