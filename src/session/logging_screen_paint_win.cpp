@@ -7,6 +7,7 @@
 #include "instruments/instrument.h"
 #include "session/model_status_texts.h"
 #include "map/colour_scale.h"
+#include "map/colour_bar.h"
 #include "session/logging_screen_win.h"
 #include "session/session_state.h"
 
@@ -45,6 +46,11 @@ void PaintMapTitle(HDC dc) {
   FormatNarrow(text, sizeof text, formats[units], (long)Settings.MapSize);
   SetTextColor(dc, LabelColour);
   Text(dc, L.MapX + L.MapWidth, L.MapSizeLabel.Y, text, TA_RIGHT | TA_TOP);
+
+  // 2. The channel the colour image shows.
+  char title[48];
+  MapChannelTitle(Settings.MapDisplayMode, Session.ReviewActive, title, sizeof title);
+  Text(dc, L.ChannelTitle.X, L.ChannelTitle.Y, title);
 
   // The EM61 family's marker lamps, dark until a marker comes.
   if (L.MarkerLampCount > 0) {
