@@ -142,6 +142,15 @@ struct ViewDescription {
   int HalfHeightNumbers;           // the numbers window is half as high
   // The instrument's own labels by the numbers; nullptr for none.
   void (*StatusTexts)(ModelStatusTexts& out);
+  // The map's channel title by colour view 1 to 4, live and in review;
+  // nullptr prints blanks. With TitleBySelection the entry is chosen by the
+  // survey's dipole and component (dipole + 2 x component), not by the view.
+  const char* MapTitles[4];
+  const char* ReviewTitles[4];
+  int TitleBySelection;
+  // Templates of "Sc&ale Readings" and "Pr&ofile Display Options".
+  const wchar_t* ScaleDialog;
+  const wchar_t* DisplayDialog;
 };
 
 // Per-instrument defaults laid over the starting values before settings are read.

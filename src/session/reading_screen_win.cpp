@@ -3,12 +3,22 @@
 // it decided.
 #include "session/reading_screen_win.h"
 
+#include <mmsystem.h>
+
 #include "core/platform_win.h"
 #include "core/state.h"
+#include "gps/gps_fields_win.h"
+#include "instruments/em_text_reading.h"
 #include "instruments/link_supervision_win.h"
 #include "instruments/reading.h"
+#include "map/profile_views_win.h"
+#include "session/logging_layout.h"
+#include "session/logging_screen_win.h"
+#include "session/session_dialogs_win.h"
 
 namespace {
+
+constexpr int WARNING_BOX = 12;   // side of a warning box beside the numbers
 
 // A frame ends the lost-connection notice: the link counts as healthy again.
 void EndLostLinkNotice(HWND screen) {
@@ -18,8 +28,67 @@ void EndLostLinkNotice(HWND screen) {
   shown = RECT{};
 }
 
+RECT WarningBox(int index) {
+  const LoggingLayoutRecord& L = LoggingLayout;
+  const int pitch = L.PanelRowPitch > 0 ? L.PanelRowPitch : 16;
+  const int x = L.NumbersX - WARNING_BOX - 4;
+  const int y = L.NumbersTop + 6 + index * pitch;
+  return RECT{x, y, x + WARNING_BOX, y + WARNING_BOX};
+}
+
+void DrawWarnings(HDC dc, const ReadingOutcome& out) {
+  for (int i = 0; i < 2; ++i) {
+    if (out.Warnings[i] < 0) continue;
+    const RECT box = WarningBox(i);
+    FillRect(dc, &box, Tools.BrushButtonFace);
+    if (out.Warnings[i] == 0) continue;
+    HGDIOBJ oldPen = SelectObject(dc, Tools.PenRedFill);
+    HGDIOBJ oldBrush = SelectObject(dc, Tools.BrushRed);
+    Ellipse(dc, box.left, box.top, box.right, box.bottom);
+    SelectObject(dc, oldPen);
+    SelectObject(dc, oldBrush);
+  }
+}
+
+void DrawPanelText(HDC dc, const PixelRect& place, const char* text, HFONT font, COLORREF colour) {
+  const RECT box = ToRect(place);
+  FillRect(dc, &box, Tools.BrushButtonFace);
+  if (!text) return;
+  HGDIOBJ oldFont = SelectObject(dc, font);
+  SetTextColor(dc, colour);
+  SetBkMode(dc, TRANSPARENT);
+  DrawNarrowTextAt(dc, place.X, place.Y, text);
+  SelectObject(dc, oldFont);
+}
+
+void DrawScreenTexts(HWND screen, const ReadingOutcome& out) {
+  HDC dc = GetDC(screen);
+  if (!dc) return;
+  const LoggingLayoutRecord& L = LoggingLayout;
+  HGDIOBJ oldFont = SelectObject(dc, Fonts.FontText);
+  if (out.StationShown) {
+    DrawGpsFieldText(dc, ToRect(L.Station.Value), out.StationText, 0);
+    DrawGpsFieldText(dc, ToRect(L.TotalStations.Value), out.TotalStationsText, 0);
+  }
+  if (out.TimeShown) DrawGpsFieldText(dc, ToRect(L.TotalTime.Value), out.TimeText, 0);
+  if (out.MarkerShown) DrawPanelText(dc, L.MarkerBox, out.MarkerText, Fonts.FontTextBold, RGB(255, 0, 0));
+  if (out.ReadingCountShown > 0)
+    DrawPanelText(dc, L.ReadingCountText, out.ReadingCountText, Fonts.FontTextBold, RGB(0, 0, 0));
+  else if (out.ReadingCountShown < 0)
+    DrawPanelText(dc, L.ReadingCountText, nullptr, Fonts.FontTextBold, RGB(0, 0, 0));
+  DrawWarnings(dc, out);
+  SelectObject(dc, oldFont);
+  ReleaseDC(screen, dc);
+}
+
 void ApplyReadingOutcome(HWND screen, const ReadingOutcome& out) {
   if (out.EndLostLink) EndLostLinkNotice(screen);
+  if (out.ProfileStep && LoggingWindows.Curves[0] && IsWindowVisible(LoggingWindows.Curves[0]))
+    ProfileScroll(LoggingWindows.Curves[0], out.ProfilePixel, out.ProfileOn, out.ProfileCount, Scales.ProfileTicks);
+  if (out.BarCount) MovingBars(out);
+  if (out.NumbersShown) ShowNumbers(LoggingWindows.Numbers, out);
+  DrawScreenTexts(screen, out);
+  if (out.Sound) PlaySoundW(out.Sound, Windows.Instance, out.SoundFlags);
 }
 
 }  // namespace
@@ -28,5 +97,14 @@ LRESULT LoggingReading(HWND screen, UINT, WPARAM, LPARAM) {
   ReadingOutcome out;
   HandleReading(out);
   ApplyReadingOutcome(screen, out);
+  if (out.ConfirmStation) {
+    // The readers go on meanwhile; their frames are not handled while the box is up.
+    Session.ProcessingEnabled = 0;
+    const int accepted = RunStationConfirmDialog(screen, out);
+    ReadingOutcome after;
+    FinishManualStation(accepted, after);
+    Session.ProcessingEnabled = 1;
+    ApplyReadingOutcome(screen, after);
+  }
   return 0;
 }

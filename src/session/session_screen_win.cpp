@@ -29,6 +29,10 @@
 #include "session/session_menu_win.h"
 #include "session/session_state.h"
 #include "session/session_win.h"
+#include "session/view_dialogs_win.h"
+#include "instruments/instrument.h"
+#include "map/colour_bar.h"
+#include "session/session_state.h"
 
 SessionMenuRecord SessionMenu;
 
@@ -189,6 +193,60 @@ void FileCommand() {
   Session.ProcessingEnabled = 1;
 }
 
+// Manual stations of several readings, confirmed in a box.
+bool StationsConfirmed() {
+  return Instrument().Commands.StationConfirm && Settings.SurveyMode == SURVEY_MANUAL;
+}
+
+// "Rdg: %1d of %1d" in the status column, or its place wiped.
+void ShowReadingCount(int show) {
+  HDC dc = GetDC(Windows.ScreenLog);
+  if (!dc) return;
+  const RECT box = ToRect(LoggingLayout.ReadingCountText);
+  FillRect(dc, &box, Tools.BrushButtonFace);
+  if (show) {
+    char text[32];
+    FormatNarrow(text, sizeof text, "Rdg: %1d of %1d", Model.ManualReadingsDone, Model.ManualReadingsPerStation);
+    HGDIOBJ old = SelectObject(dc, Fonts.FontTextBold);
+    SetBkMode(dc, TRANSPARENT);
+    DrawNarrowTextAt(dc, box.left, box.top, text);
+    SelectObject(dc, old);
+  }
+  ReleaseDC(Windows.ScreenLog, dc);
+}
+
+// The readout windows draw their scale lines anew; the map keeps its picture.
+void RepaintReadouts() {
+  for (HWND window : {LoggingWindows.Curves[0], LoggingWindows.Curves[1], LoggingWindows.Curves[2],
+                      LoggingWindows.Decay, LoggingWindows.BarQ, LoggingWindows.BarI, LoggingWindows.Numbers})
+    if (window) InvalidateRect(window, nullptr, TRUE);
+}
+
+// A colour channel radio: the image shows that channel from now on.
+void ChannelCommand(int code) {
+  if (Settings.GpsInput == 0) {
+    Inform(L"INFORMATION", "Option avaiable only when GPS is enabled");
+    return;
+  }
+  Settings.MapDisplayMode = code - CMD_CHANNEL_1 + 1;
+  RecomputeColourWidth();
+  if (!Session.ReviewActive) LoadSettings(SETTINGS_SAVE);
+  ShowChannelButtons(1);
+  HDC dc = GetDC(Windows.ScreenLog);
+  if (dc) {
+    char title[48];
+    MapChannelTitle(Settings.MapDisplayMode, Session.ReviewActive, title, sizeof title);
+    const RECT box = ToRect(LoggingLayout.ChannelTitle);
+    FillRect(dc, &box, Tools.BrushButtonFace);
+    HGDIOBJ old = SelectObject(dc, Fonts.FontText);
+    SetBkMode(dc, TRANSPARENT);
+    DrawNarrowTextAt(dc, box.left, box.top, title);
+    SelectObject(dc, old);
+    ReleaseDC(Windows.ScreenLog, dc);
+  }
+  SetFocus(Windows.ScreenLog);
+}
+
 // "&Go": recording starts.
 void GoCommand() {
   if (Session.MapTooSmall == 2) {
@@ -209,6 +267,7 @@ void GoCommand() {
   Link.ReadingsPerMessage = (Settings.SurveyMode == SURVEY_AUTO) ? Link.KeepEveryNth : 1;
   ShowWindow(LoggingWindows.Pause, SW_SHOW);
   SendMessageW(LoggingWindows.Pause, BM_SETSTYLE, 1, TRUE);
+  if (StationsConfirmed()) ShowReadingCount(1);
   ResetLiveMapForLogging();
   PositionPipeline.BucketState = 0;
   ShowPauseHint(SESSION_LOGGING);
@@ -221,6 +280,7 @@ void GoCommand() {
 // Pause: recording stops and the file is made safe.
 void PauseCommand() {
   Session.SessionState = SESSION_STANDBY;
+  if (StationsConfirmed() && Model.ManualReadingsPerStation > 1) ShowReadingCount(0);
   ShowPauseHint(SESSION_STANDBY);
   Session.ProcessingEnabled = 0;
   WriteMarkerRecord(Session.MapTooSmall == 1 ? L"PAUSED BMP" : L"PAUSED", 'X');
@@ -395,6 +455,20 @@ void RunCommand(int code) {
       break;
     case CMD_ENTER_REVIEW: ReviewCommand(1); break;
     case CMD_EXIT_REVIEW: ReviewCommand(0); break;
+    case CMD_SCALE_READINGS:
+      if (RunScaleReadingsDialog(Windows.ScreenLog)) {
+        RepaintLoggingScreen();
+        RepaintReadouts();
+      }
+      break;
+    case CMD_SCALE_SPEED_BAR: RunSpeedScaleDialog(Windows.ScreenLog); break;
+    case CMD_PROFILE_OPTIONS:
+      if (RunDisplaySetupDialog(Windows.ScreenLog)) RepaintReadouts();
+      break;
+    case CMD_AUDIO_OPTIONS: RunAudioOptionsDialog(Windows.ScreenLog); break;
+    case CMD_CHANNEL_1: case CMD_CHANNEL_1 + 1: case CMD_CHANNEL_1 + 2: case CMD_CHANNEL_1 + 3:
+      ChannelCommand(code);
+      break;
     default: break;  // dialogs of scales, colours, alarms and background files come later
   }
 }

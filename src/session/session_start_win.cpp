@@ -19,6 +19,9 @@
 #include "map/map_canvas.h"
 #include "map/map_canvas_win.h"
 #include "map/scale_ticks.h"
+#include "map/colour_swath.h"
+#include "map/profile_views.h"
+#include "instruments/em_text_reading.h"
 #include "session/session_win.h"
 #include "session/logging_screen_win.h"
 #include "session/session_state.h"
@@ -75,6 +78,9 @@ void PrepareSessionState() {
 
   SessionExtras.BackgroundFileCount = 0;
   ResetMapForSession();
+  InstallColourImage();
+  ResetEmReadingState();
+  ClearFirstReadingFlags();
 
   const double rate = Settings.SampleInterval != 0.0 ? 1.0 / Settings.SampleInterval : 0.0;
   Link.AudioTickEvery = rate < 4 ? 1 : rate < 8 ? 2 : rate < 13 ? 3 : 6;
