@@ -43,7 +43,11 @@ void OpenScales(HWND dialog) {
   for (int id = IDC_SCALE_MIN; id <= IDC_SCALE2_MAX; ++id)
     if (GetDlgItem(dialog, id)) SetDialogNumber(dialog, id, "%.1f", *ScaleValue(id));
   if (LegendShown() && LoggingWindows.ColorBar) {
-    ShowWindow(LoggingWindows.ColorBar, SW_SHOW);
+    // The legend stands over the map, which positions keep drawing into
+    // meanwhile: the map is clipped by it.
+    HWND map = LoggingWindows.Map;
+    if (map) SetWindowLongPtrW(map, GWL_STYLE, GetWindowLongPtrW(map, GWL_STYLE) | WS_CLIPSIBLINGS);
+    SetWindowPos(LoggingWindows.ColorBar, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
     InvalidateRect(LoggingWindows.ColorBar, nullptr, TRUE);
   }
 }
