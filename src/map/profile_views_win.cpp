@@ -106,32 +106,47 @@ void ProfileScroll(HWND curve, const int pixels[], const int on[], int count, co
   ReleaseDC(curve, dc);
 }
 
-void MovingBars(const ReadingOutcome& out) {
+namespace {
+
+// The bars of one window, between scale lines drawn before and after, so
+// that no bar hides them.
+void MoveBarsOfWindow(const ReadingOutcome& out, int bars) {
+  HWND window = BarWindow(bars);
+  if (!window || !IsWindowVisible(window)) return;
   const LoggingLayoutRecord& L = LoggingLayout;
+  HDC dc = GetDC(window);
+  if (!dc) return;
+  const ScaleTickTable& ticks = BarTicks(bars);
+  const int h = WindowHeight(window), w = WindowWidth(window);
+  HGDIOBJ oldPen = SelectObject(dc, Tools.PenGrey1);
+  HGDIOBJ oldBrush = SelectObject(dc, Tools.BrushWhite);
+  if (TakeBarsFresh(bars, ticks, h)) {
+    RECT all{0, 0, w, h};
+    FillRect(dc, &all, Tools.BrushWhite);
+  }
+  ScaleLines(dc, ticks, 0, w);
   for (int i = 0; i < out.BarCount && i < OUTCOME_BARS; ++i) {
     const BarMove& move = out.Bars[i];
-    HWND window = BarWindow(move.Window);
-    if (!window || !IsWindowVisible(window)) continue;
+    if (move.Window != bars) continue;
     const int index = move.Index >= 0 && move.Index < 4 ? move.Index : 0;
-    HDC dc = GetDC(window);
-    if (!dc) continue;
-    const ScaleTickTable& ticks = BarTicks(move.Window);
-    const int h = WindowHeight(window), w = WindowWidth(window);
-    HGDIOBJ oldPen = SelectObject(dc, Tools.PenGrey1);
-    HGDIOBJ oldBrush = SelectObject(dc, Tools.BrushWhite);
-    if (TakeBarsFresh(move.Window, ticks, h)) {
-      RECT all{0, 0, w, h};
-      FillRect(dc, &all, Tools.BrushWhite);
-    }
-    ScaleLines(dc, ticks, 0, w);
     BarRectangle rects[2];
-    const int n = PlanMovingBar(move.Window, index, move.Pixel, ticks, h, L.BarLeft[index], L.BarWidth, rects);
+    const int n = PlanMovingBar(bars, index, move.Pixel, ticks, h, L.BarLeft[index], L.BarWidth, rects);
     for (int k = 0; k < n; ++k) FillBar(dc, rects[k], move.Channel);
-    ScaleLines(dc, ticks, 0, w);
-    SelectObject(dc, oldPen);
-    SelectObject(dc, oldBrush);
-    ReleaseDC(window, dc);
   }
+  ScaleLines(dc, ticks, 0, w);
+  SelectObject(dc, oldPen);
+  SelectObject(dc, oldBrush);
+  ReleaseDC(window, dc);
+}
+
+}  // namespace
+
+void MovingBars(const ReadingOutcome& out) {
+  bool used[BAR_WINDOWS] = {};
+  for (int i = 0; i < out.BarCount && i < OUTCOME_BARS; ++i)
+    if (out.Bars[i].Window >= 0 && out.Bars[i].Window < BAR_WINDOWS) used[out.Bars[i].Window] = true;
+  for (int bars = 0; bars < BAR_WINDOWS; ++bars)
+    if (used[bars]) MoveBarsOfWindow(out, bars);
 }
 
 void ShowNumbers(HWND numbers, const ReadingOutcome& out) {

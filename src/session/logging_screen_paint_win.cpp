@@ -10,6 +10,7 @@
 #include "map/colour_bar.h"
 #include "session/logging_screen_win.h"
 #include "session/session_state.h"
+#include "session/reading_screen_win.h"
 
 void PaintLoggingScreen(HDC dc);
 
@@ -268,6 +269,7 @@ void PaintTotals(HDC dc) {
 }  // namespace
 
 void PaintLoggingScreen(HDC dc) {
+  ForgetReadingTextsShown();
   SetBkMode(dc, TRANSPARENT);
   HGDIOBJ oldFont = SelectObject(dc, Fonts.FontText);
   HGDIOBJ oldPen = SelectObject(dc, Tools.PenDarkGrey);

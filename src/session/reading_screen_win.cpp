@@ -5,6 +5,8 @@
 
 #include <mmsystem.h>
 
+#include <cstring>
+
 #include "core/platform_win.h"
 #include "core/state.h"
 #include "gps/gps_fields_win.h"
@@ -16,9 +18,20 @@
 #include "session/logging_screen_win.h"
 #include "session/session_dialogs_win.h"
 
+ReadingTextsShownRecord ReadingTextsShown;
+
 namespace {
 
 constexpr int WARNING_BOX = 12;   // side of a warning box beside the numbers
+
+// A text is drawn only when it differs from what its place shows: most of
+// them stand still from one reading to the next.
+bool Changed(char (&shown)[OUTCOME_TEXT], const char* text) {
+  if (strncmp(shown, text, OUTCOME_TEXT) == 0) return false;
+  strncpy(shown, text, OUTCOME_TEXT - 1);
+  shown[OUTCOME_TEXT - 1] = 0;
+  return true;
+}
 
 // A frame ends the lost-connection notice: the link counts as healthy again.
 void EndLostLinkNotice(HWND screen) {
@@ -38,7 +51,8 @@ RECT WarningBox(int index) {
 
 void DrawWarnings(HDC dc, const ReadingOutcome& out) {
   for (int i = 0; i < 2; ++i) {
-    if (out.Warnings[i] < 0) continue;
+    if (out.Warnings[i] < 0 || out.Warnings[i] == ReadingTextsShown.Warnings[i]) continue;
+    ReadingTextsShown.Warnings[i] = out.Warnings[i];
     const RECT box = WarningBox(i);
     FillRect(dc, &box, Tools.BrushButtonFace);
     if (out.Warnings[i] == 0) continue;
@@ -66,12 +80,16 @@ void DrawScreenTexts(HWND screen, const ReadingOutcome& out) {
   if (!dc) return;
   const LoggingLayoutRecord& L = LoggingLayout;
   HGDIOBJ oldFont = SelectObject(dc, Fonts.FontText);
+  ReadingTextsShownRecord& shown = ReadingTextsShown;
   if (out.StationShown) {
-    DrawGpsFieldText(dc, ToRect(L.Station.Value), out.StationText, 0);
-    DrawGpsFieldText(dc, ToRect(L.TotalStations.Value), out.TotalStationsText, 0);
+    if (Changed(shown.Station, out.StationText)) DrawGpsFieldText(dc, ToRect(L.Station.Value), out.StationText, 0);
+    if (Changed(shown.TotalStations, out.TotalStationsText))
+      DrawGpsFieldText(dc, ToRect(L.TotalStations.Value), out.TotalStationsText, 0);
   }
-  if (out.TimeShown) DrawGpsFieldText(dc, ToRect(L.TotalTime.Value), out.TimeText, 0);
-  if (out.MarkerShown) DrawPanelText(dc, L.MarkerBox, out.MarkerText, Fonts.FontTextBold, RGB(255, 0, 0));
+  if (out.TimeShown && Changed(shown.Time, out.TimeText))
+    DrawGpsFieldText(dc, ToRect(L.TotalTime.Value), out.TimeText, 0);
+  if (out.MarkerShown && Changed(shown.Marker, out.MarkerText))
+    DrawPanelText(dc, L.MarkerBox, out.MarkerText, Fonts.FontTextBold, RGB(255, 0, 0));
   if (out.ReadingCountShown > 0)
     DrawPanelText(dc, L.ReadingCountText, out.ReadingCountText, Fonts.FontTextBold, RGB(0, 0, 0));
   else if (out.ReadingCountShown < 0)
@@ -81,17 +99,29 @@ void DrawScreenTexts(HWND screen, const ReadingOutcome& out) {
   ReleaseDC(screen, dc);
 }
 
+bool AnyScreenText(const ReadingOutcome& out) {
+  const ReadingTextsShownRecord& shown = ReadingTextsShown;
+  return (out.StationShown && (strncmp(shown.Station, out.StationText, OUTCOME_TEXT) != 0 ||
+                               strncmp(shown.TotalStations, out.TotalStationsText, OUTCOME_TEXT) != 0)) ||
+         (out.TimeShown && strncmp(shown.Time, out.TimeText, OUTCOME_TEXT) != 0) ||
+         (out.MarkerShown && strncmp(shown.Marker, out.MarkerText, OUTCOME_TEXT) != 0) ||
+         out.ReadingCountShown != 0 || (out.Warnings[0] >= 0 && out.Warnings[0] != shown.Warnings[0]) ||
+         (out.Warnings[1] >= 0 && out.Warnings[1] != shown.Warnings[1]);
+}
+
 void ApplyReadingOutcome(HWND screen, const ReadingOutcome& out) {
   if (out.EndLostLink) EndLostLinkNotice(screen);
   if (out.ProfileStep && LoggingWindows.Curves[0] && IsWindowVisible(LoggingWindows.Curves[0]))
     ProfileScroll(LoggingWindows.Curves[0], out.ProfilePixel, out.ProfileOn, out.ProfileCount, Scales.ProfileTicks);
   if (out.BarCount) MovingBars(out);
   if (out.NumbersShown) ShowNumbers(LoggingWindows.Numbers, out);
-  DrawScreenTexts(screen, out);
+  if (AnyScreenText(out)) DrawScreenTexts(screen, out);
   if (out.Sound) PlaySoundW(out.Sound, Windows.Instance, out.SoundFlags);
 }
 
 }  // namespace
+
+void ForgetReadingTextsShown() { ReadingTextsShown = ReadingTextsShownRecord(); }
 
 LRESULT LoggingReading(HWND screen, UINT, WPARAM, LPARAM) {
   ReadingOutcome out;
