@@ -29,21 +29,10 @@ def process_seconds(pid):
         return 0.0
 
 
-def wineserver_pid(prefix):
-    """The wineserver of this prefix: the one whose environment names it."""
-    for pid in subprocess.run(["pgrep", "wineserver"], capture_output=True, text=True).stdout.split():
-        try:
-            env = open("/proc/%s/environ" % pid, "rb").read().split(b"\0")
-        except OSError:
-            continue
-        if ("WINEPREFIX=" + prefix).encode() in env:
-            return int(pid)
-    return None
-
-
-def program_pid(prefix, name):
-    """The program of this prefix (other sandboxes may run the same program)."""
-    for pid in subprocess.run(["pgrep", "-f", name + ".exe"], capture_output=True, text=True).stdout.split():
+def pid_in_prefix(pattern, prefix):
+    """The process matching `pattern` whose environment names this prefix
+    (other sandboxes may run the same program and their own wineserver)."""
+    for pid in subprocess.run(["pgrep", "-f", pattern], capture_output=True, text=True).stdout.split():
         try:
             env = open("/proc/%s/environ" % pid, "rb").read().split(b"\0")
         except OSError:
@@ -54,7 +43,7 @@ def program_pid(prefix, name):
 
 
 def measure_cpu(box, what, seconds=SECONDS):
-    prog, server = program_pid(box.prefix, "Kelvo31"), wineserver_pid(box.prefix)
+    prog, server = pid_in_prefix("Kelvo31.exe", box.prefix), pid_in_prefix("wineserver", box.prefix)
     p0 = process_seconds(prog) if prog else 0.0
     s0 = process_seconds(server) if server else 0.0
     start = time.time()
