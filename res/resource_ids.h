@@ -77,3 +77,28 @@
 // box for each of the ten files.
 #define IDC_BG_REMOVE_ALL 1360
 #define IDC_BG_REMOVE_FIRST 1361
+
+// CONFIRMSTATION, "Confirm and Save Readings".
+#define IDC_CONFIRM_STATION 1340
+#define IDC_CONFIRM_ROW_FIRST 1341   // six rows, 1341 to 1346
+
+// READINGSCALE, READINGSCALE31, READINGSCALE34: the reading scales.
+#define IDC_SCALE_MIN 1350
+#define IDC_SCALE_MAX 1351
+#define IDC_SCALE2_MIN 1352
+#define IDC_SCALE2_MAX 1353
+
+// SPEEDSCALE, "Set New Speed Bar Scale".
+#define IDC_SPEED_CURRENT 1360
+#define IDC_SPEED_NEW 1361
+#define IDC_SPEED_UNITS 1362
+
+// Audio Options.
+#define IDC_AUDIO_TICKS 1005
+#define IDC_AUDIO_DISCONNECT 1006
+#define IDC_AUDIO_GPS_WARNING 1007
+
+// DISPLAYSETUP31, DISPLAYSETUP34: colour buttons and thickness lists of the rows.
+#define IDC_DISPLAY_COLOUR_FIRST 1370   // 1370 to 1377
+#define IDC_DISPLAY_WIDTH_FIRST 1380    // 1380 to 1387
+#define IDC_DISPLAY_GRID 1390

@@ -11,10 +11,13 @@
 #include "gps/position_pipeline.h"
 #include "gps/reading_bucket.h"
 #include "instruments/em_frame_reader.h"
+#include "instruments/em_text_reading.h"
 #include "instruments/link_supervision.h"
+#include "map/array_footprint.h"
 #include "map/background_files.h"
 #include "map/live_map.h"
 #include "map/map_canvas.h"
+#include "map/profile_views.h"
 #include "session/logging_layout.h"
 #include "session/session_state.h"
 
@@ -63,6 +66,9 @@ void ResetProgramState() {
   ResetRecord(ReadingBucket);
   ResetRecord(LinkSupervision);
   ResetRecord(FrameReader);
+  ResetRecord(EmReadingState);
+  ResetRecord(ProfileMemory);
+  ResetRecord(ArrayFootprint);
   ResetMapCanvas();   // releases the pages first
   ResetRecord(LiveMap);
   ResetRecord(LiveMapCallPoints);

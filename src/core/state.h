@@ -41,6 +41,8 @@ constexpr int TEXT_LINE_CHARS = 16;    // 15 characters and the terminator
 //   gps/position_pipeline.h:   PositionPipeline     gps/reading_bucket.h: ReadingBucket
 //   gps/gps_monitor.h:         GpsMonitor
 //   instruments/link_supervision.h: LinkSupervision instruments/em_frame_reader.h: FrameReader
+//   instruments/em_text_reading.h: EmReadingState   map/profile_views.h: ProfileMemory
+//   map/array_footprint.h:     ArrayFootprint
 //   map/map_canvas.h:          MapCanvas, TileTable, MapCallPoints
 //   map/live_map.h:            LiveMap, LiveMapCallPoints
 //   map/background_files.h:    BackgroundSet

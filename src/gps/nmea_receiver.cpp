@@ -138,6 +138,26 @@ void SortManualSentence() {
   }
 }
 
+}  // namespace
+
+void FlushHeldPositionForStation() {
+  GpsReceiver.HoldLock = 1;
+  if (GpsReceiver.HeldGpsFull == 1) {
+    Write(GpsReceiver.HeldGpsSentence, GpsReceiver.HeldGpsTick, GPS_TAG_FIRST, GPS_TAG_FURTHER, GPS_TAG_END,
+          GPS_FLAG_POSITION);
+    Session.GpsPositionCount = Session.GpsPositionCount + 1;
+  }
+  if (GpsReceiver.HeldGsaFull == 1)
+    Write(GpsReceiver.HeldGsaSentence, GpsReceiver.HeldGsaTick, GPS_TAG_FIRST, GPS_TAG_FURTHER, GPS_TAG_END,
+          GPS_FLAG_POSITION);
+  GpsReceiver.HeldGpsFull = 0;
+  GpsReceiver.HeldGsaFull = 0;
+  GpsReceiver.HoldLock = 0;
+  GpsReceiver.PendingPositionAfterStation = 1;
+}
+
+namespace {
+
 void TakeValidSentence(uint32_t now, int lineReady) {
   CopyLine(GpsSentence);
   CopyLine(GpsReceiver.RawCopy);

@@ -61,6 +61,12 @@ extern GpsReceiverRecord GpsReceiver;
 extern GpsReceiverActions GpsActions;
 
 
+// A confirmed Manual station: the held position and GSA go to the file with
+// the "p" flag ahead of the station's readings, under the lock so that the
+// receiver does not refill them meanwhile; the next position after the
+// station is then written by the receiver.
+void FlushHeldPositionForStation();
+
 // Fresh receiver at the start of the reader thread: empty line, no Manual
 // holds, the time-out counted from `now`.
 void StartGpsReceiver(uint32_t now);

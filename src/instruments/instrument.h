@@ -100,6 +100,7 @@ struct LinkDescription {
   LinkSupervisionForm Supervision;
   int NullingStateAfterStart;      // NullingState once the link is proven
   int ReadingTickIsByteTick;       // the record's tick: 1 LastByteTick, 0 LastReadingTick
+  int SettleMsAfterFirstFrame;     // START_FIRST_FRAME: a pause once the first frame came
   // The reader thread's framer: started once, then fed each byte with its
   // tick; returns FRAME_TELL_SCREEN and FRAME_PLAY_TICK bits.
   void (*StartFramer)();
@@ -111,6 +112,7 @@ struct LinkDescription {
 // The reading handler on the main thread.
 struct ReadingDescription {
   void (*Handle)(ReadingOutcome& out);   // nullptr: readings are not yet handled
+  void (*StartSession)();                // the handler's own state at a session's start, nullptr for none
 };
 
 // Channels, scales and the views.
@@ -145,6 +147,15 @@ struct ViewDescription {
   int HalfHeightNumbers;           // the numbers window is half as high
   // The instrument's own labels by the numbers; nullptr for none.
   void (*StatusTexts)(ModelStatusTexts& out);
+  // The map's channel title by colour view 1 to 4, live and in review;
+  // nullptr prints blanks. With TitleBySelection the entry is chosen by the
+  // survey's dipole and component (dipole + 2 x component), not by the view.
+  const char* MapTitles[4];
+  const char* ReviewTitles[4];
+  int TitleBySelection;
+  // Templates of "Sc&ale Readings" and "Pr&ofile Display Options".
+  const wchar_t* ScaleDialog;
+  const wchar_t* DisplayDialog;
 };
 
 // Per-instrument defaults laid over the starting values before settings are read.

@@ -114,6 +114,7 @@ int ProveInstrumentLink() {
         ShowConnectionIssue();
         return 0;
       }
+      if (link.SettleMsAfterFirstFrame > 0) DelayMs((DWORD)link.SettleMsAfterFirstFrame);
       return 1;
     case START_LENGTH_CHECK:
     case START_HANDSHAKE: {

@@ -6,12 +6,7 @@
 void HandleReading(ReadingOutcome& out) {
   out = ReadingOutcome();
   void (*handle)(ReadingOutcome&) = Instrument().Reading.Handle;
-  if (!handle) return;
+  if (!handle || Session.ProcessingEnabled != 1) return;
   handle(out);
 }
 
-void TakeTextFrame(ReadingOutcome& out) {
-  out.Taken = 1;
-  out.EndLostLink = 1;
-  Link.FrameBuffer[0] = 0;
-}

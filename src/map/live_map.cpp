@@ -7,10 +7,29 @@
 #include "core/numeric.h"
 #include "datafile/records.h"
 #include "gps/reading_bucket.h"
+#include "map/array_footprint.h"
 #include "map/map_surface.h"
 
 LiveMapRecord LiveMap;
 LiveMapCallPointsRecord LiveMapCallPoints;
+
+int StepFromPrevious(double x, double y, double& ux, double& uy, double& distance) {
+  const double ex = x - LiveMap.PrevX, ey = y - LiveMap.PrevY;
+  distance = std::sqrt(ex * ex + ey * ey);
+  if (!(distance > 0) || !std::isfinite(distance)) return 0;
+  ux = ex / distance;
+  uy = ey / distance;
+  return 1;
+}
+
+void StartSensorHistory(double x, double y) {
+  LiveMapRecord& live = LiveMap;
+  live.PathTotal = 0.0;
+  live.HistoryPath[0] = 0.0;
+  live.HistoryEasting[0] = x;
+  live.HistoryNorthing[0] = y;
+  live.HistoryCount = 1;
+}
 
 namespace {
 
@@ -201,11 +220,9 @@ void DrawNewLine(const PixelLine& newLine, const PixelLine& oldLine) {
 // Prev and the new line at (x,y), each the lag behind along the chord.
 void FirstSegmentLines(double x, double y, double lag) {
   LiveMapRecord& live = LiveMap;
-  const double ex = x - live.PrevX, ey = y - live.PrevY;
-  const double d = std::sqrt(ex * ex + ey * ey);
-  if (!(d > 0) || !std::isfinite(d)) return;
-  const double alongX = ex * lag / d, alongY = ey * lag / d;
-  const double ux = ex / d, uy = ey / d;
+  double ux, uy, d;
+  if (!StepFromPrevious(x, y, ux, uy, d)) return;
+  const double alongX = ux * lag, alongY = uy * lag;
   live.SegmentState = 2;
   PixelLine oldLine = WriteFootprint(1, live.PrevX - alongX, live.PrevY - alongY, ux, uy);
   PixelLine newLine = WriteFootprint(2, x - alongX, y - alongY, ux, uy);
@@ -233,11 +250,9 @@ void HeadingFootprintStep(double x, double y, double lag) {
     FirstSegmentLines(x, y, lag);
     return;
   }
-  const double ex = x - live.PrevX, ey = y - live.PrevY;
-  const double d = std::sqrt(ex * ex + ey * ey);
-  if (!(d > 0) || !std::isfinite(d)) return;
+  double ux, uy, d;
+  if (!StepFromPrevious(x, y, ux, uy, d)) return;
   live.SegmentState = 3;
-  const double ux = ex / d, uy = ey / d;
   PixelLine newLine = WriteFootprint(2, x - ux * lag, y - uy * lag, ux, uy);
   DrawNewLine(newLine, live.PrevLine);
   live.PrevX = x;
@@ -245,7 +260,9 @@ void HeadingFootprintStep(double x, double y, double lag) {
   live.PrevLine = newLine;
 }
 
-void AppendHistory(double x, double y) {
+}  // namespace
+
+void AppendSensorHistory(double x, double y) {
   LiveMapRecord& live = LiveMap;
   const int last = live.HistoryCount - 1;
   if (last < 0 || live.HistoryCount >= SENSOR_HISTORY_SIZE) return;
@@ -256,8 +273,6 @@ void AppendHistory(double x, double y) {
   live.HistoryNorthing[live.HistoryCount] = y;
   ++live.HistoryCount;
 }
-
-}  // namespace
 
 // Drops the entries before k-1 and measures the path from entry k-1. The work
 // is done in place and the base path[k-1] is read anew each round, so once its
@@ -276,6 +291,44 @@ void CompactSensorHistory(int k) {
   live.PathTotal = live.HistoryPath[live.HistoryCount - 1];
 }
 
+int SensorPathPoint(double lag, int compact, double& sx, double& sy, double& ux, double& uy) {
+  LiveMapRecord& live = LiveMap;
+  const double total = live.PathTotal;
+  if (lag <= total) {
+    int k = -1;
+    for (int i = 1; i < live.HistoryCount; ++i) {
+      if (total - live.HistoryPath[i] <= lag) {
+        k = i;
+        break;
+      }
+    }
+    if (k <= 0) return PATH_POINT_NONE;
+    const double rem = lag - (total - live.HistoryPath[k]);
+    const double segX = live.HistoryEasting[k] - live.HistoryEasting[k - 1];
+    const double segY = live.HistoryNorthing[k] - live.HistoryNorthing[k - 1];
+    const double m = std::sqrt(segX * segX + segY * segY);
+    if (!(m > 0) || !std::isfinite(m)) return PATH_POINT_NONE;
+    sx = live.HistoryEasting[k - 1] + segX * (m - rem) / m;
+    sy = live.HistoryNorthing[k - 1] + segY * (m - rem) / m;
+    ux = segX / m;
+    uy = segY / m;
+    if (compact && k > 11) CompactSensorHistory(k);
+    return PATH_POINT_FOUND;
+  }
+  if (live.HistoryCount < 2) return PATH_POINT_NONE;
+  // Not walked far enough yet: extrapolate behind entry 0.
+  const double segX = live.HistoryEasting[1] - live.HistoryEasting[0];
+  const double segY = live.HistoryNorthing[1] - live.HistoryNorthing[0];
+  const double m = std::sqrt(segX * segX + segY * segY);
+  if (!(m > 0) || !std::isfinite(m)) return PATH_POINT_NONE;
+  const double f = (lag - total) / m;
+  sx = live.HistoryEasting[0] - segX * f;
+  sy = live.HistoryNorthing[0] - segY * f;
+  ux = segX / m;
+  uy = segY / m;
+  return PATH_POINT_EXTRAPOLATED;
+}
+
 namespace {
 
 // The sensors follow the walked path: the footprint lies the lag back along
@@ -283,11 +336,7 @@ namespace {
 void PathFootprintStep(double x, double y, double lag) {
   LiveMapRecord& live = LiveMap;
   if (live.HistoryCount <= 0) {
-    live.PathTotal = 0.0;
-    live.HistoryPath[0] = 0.0;
-    live.HistoryEasting[0] = x;
-    live.HistoryNorthing[0] = y;
-    live.HistoryCount = 1;
+    StartSensorHistory(x, y);
     live.SegmentState = 1;
     live.PrevX = x;
     live.PrevY = y;
@@ -295,7 +344,7 @@ void PathFootprintStep(double x, double y, double lag) {
     return;
   }
   if (live.HistoryCount == 1) {
-    AppendHistory(x, y);
+    AppendSensorHistory(x, y);
     live.PrevX = live.HistoryEasting[0];
     live.PrevY = live.HistoryNorthing[0];
     live.SegmentState = 2;
@@ -306,48 +355,17 @@ void PathFootprintStep(double x, double y, double lag) {
   }
 
   live.SegmentState = 3;
-  AppendHistory(x, y);
+  AppendSensorHistory(x, y);
   if (live.HistoryCount > SENSOR_HISTORY_FULL) CompactSensorHistory(SENSOR_HISTORY_KEEP_FROM);
 
-  const double total = live.PathTotal;
-  bool drawn = false;
+  double sx, sy, ux, uy;
+  const int found = SensorPathPoint(lag, 1, sx, sy, ux, uy);
+  const bool drawn = found != PATH_POINT_NONE;
   PixelLine newLine = live.PrevLine;
-  if (lag <= total) {
-    int k = -1;
-    for (int i = 1; i < live.HistoryCount; ++i) {
-      if (total - live.HistoryPath[i] <= lag) {
-        k = i;
-        break;
-      }
-    }
-    if (k > 0) {
-      const double rem = lag - (total - live.HistoryPath[k]);
-      const double segX = live.HistoryEasting[k] - live.HistoryEasting[k - 1];
-      const double segY = live.HistoryNorthing[k] - live.HistoryNorthing[k - 1];
-      const double m = std::sqrt(segX * segX + segY * segY);
-      if (m > 0 && std::isfinite(m)) {
-        const double sx = live.HistoryEasting[k - 1] + segX * (m - rem) / m;
-        const double sy = live.HistoryNorthing[k - 1] + segY * (m - rem) / m;
-        newLine = WriteFootprint(2, sx, sy, segX / m, segY / m);
-        DrawNewLine(newLine, live.PrevLine);
-        drawn = true;
-        live.SegmentState = 2;
-        if (k > 11) CompactSensorHistory(k);
-      }
-    }
-  } else if (live.HistoryCount >= 2) {
-    // Not walked far enough yet: extrapolate behind entry 0.
-    const double segX = live.HistoryEasting[1] - live.HistoryEasting[0];
-    const double segY = live.HistoryNorthing[1] - live.HistoryNorthing[0];
-    const double m = std::sqrt(segX * segX + segY * segY);
-    if (m > 0 && std::isfinite(m)) {
-      const double f = (lag - total) / m;
-      const double sx = live.HistoryEasting[0] - segX * f;
-      const double sy = live.HistoryNorthing[0] - segY * f;
-      newLine = WriteFootprint(2, sx, sy, segX / m, segY / m);
-      DrawNewLine(newLine, live.PrevLine);
-      drawn = true;
-    }
+  if (drawn) {
+    newLine = WriteFootprint(2, sx, sy, ux, uy);
+    DrawNewLine(newLine, live.PrevLine);
+    if (found == PATH_POINT_FOUND) live.SegmentState = 2;
   }
   live.PrevX = x;
   live.PrevY = y;
@@ -372,6 +390,13 @@ void ResetLiveMapForLogging() {
   LiveMap.HistoryCount = 0;
   LiveMap.PathTotal = 0.0;
   ClearReadingBucketCounts();
+  ResetArrayFootprint();
+}
+
+void RestartSwath() {
+  LiveMap.SegmentState = 0;
+  LiveMap.HistoryCount = 0;
+  LiveMap.PathTotal = 0.0;
 }
 
 void UpdateLiveMap(HandleWord window, int state, double y, double x, double distance) {

@@ -50,9 +50,30 @@ void FixFootprintMethod();
 // lists start afresh.
 void ResetLiveMapForLogging();
 
+// A change of the channel the image shows: the next position starts a new swath.
+void RestartSwath();
+
 // y northing, x easting, distance from the previous position, all map units.
 void UpdateLiveMap(HandleWord window, int state, double y, double x, double distance);
 void UpdateLiveMapArray(HandleWord window, int state, double y, double x, double distance);
+
+// The unit direction and distance from the previous position to (x,y); 0
+// when they do not make a direction (no distance, or no number).
+int StepFromPrevious(double x, double y, double& ux, double& uy, double& distance);
+
+// The history starts at (x,y) with no path walked.
+void StartSensorHistory(double x, double y);
+
+// Appends a position to the history and measures the path to it.
+void AppendSensorHistory(double x, double y);
+
+// The ground point `lag` back along the walked path and the direction there:
+// found on the path, extrapolated before its start, or none. With `compact`
+// a lookup deep in the history drops the entries it no longer needs.
+constexpr int PATH_POINT_NONE = 0;
+constexpr int PATH_POINT_FOUND = 1;
+constexpr int PATH_POINT_EXTRAPOLATED = 2;
+int SensorPathPoint(double lag, int compact, double& sx, double& sy, double& ux, double& uy);
 
 // Drops the history entries before k-1 and measures the path from there.
 void CompactSensorHistory(int k);

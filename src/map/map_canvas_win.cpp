@@ -131,6 +131,12 @@ HPEN PenOf(int pen) {
     case MAP_PEN_POSITION1: return Tools.PenPosition1;
     case MAP_PEN_POSITION2: return Tools.PenPosition2;
     case MAP_PEN_GREY: return Tools.PenMidGrey;
+    case MAP_PEN_SEPARATION: return Tools.PenBlue;
+    case MAP_PEN_SEPARATION + 1: return Tools.PenRed;
+    case MAP_PEN_SEPARATION + 2: return Tools.PenSurveyGreen;
+    case MAP_PEN_SEPARATION_WIDE: return Tools.PenBlue2;
+    case MAP_PEN_SEPARATION_WIDE + 1: return Tools.PenRed2;
+    case MAP_PEN_SEPARATION_WIDE + 2: return Tools.PenGreen2;
     default: break;
   }
   const int colourClass = pen - MAP_PEN_COLOUR_CLASS;
@@ -143,6 +149,9 @@ HBRUSH BrushOf(int brush) {
     case MAP_BRUSH_POSITION: return Tools.BrushPosition;
     case MAP_BRUSH_GREY: return Tools.BrushMidGrey;
     case MAP_BRUSH_WHITE: return Tools.BrushWhite;
+    case MAP_BRUSH_SEPARATION: return Tools.BrushBlue;
+    case MAP_BRUSH_SEPARATION + 1: return Tools.BrushRed;
+    case MAP_BRUSH_SEPARATION + 2: return Tools.BrushSurveyGreen;
     default: return nullptr;
   }
 }

@@ -15,6 +15,8 @@ enum MapPenId {
   MAP_PEN_POSITION1 = 3,   // position colour, one pixel
   MAP_PEN_POSITION2 = 4,   // position colour, two pixels
   MAP_PEN_GREY = 5,        // A0A0A0, the busy dots
+  MAP_PEN_SEPARATION = 10, // + 0..2: the station array's separations, one pixel (blue, red, green)
+  MAP_PEN_SEPARATION_WIDE = 13,  // + 0..2: the same, two pixels
   MAP_PEN_COLOUR_CLASS = 100,  // + class: the two-pixel pens of the colour image
 };
 
@@ -23,6 +25,7 @@ enum MapBrushId {
   MAP_BRUSH_POSITION = 1,
   MAP_BRUSH_GREY = 2,      // A0A0A0
   MAP_BRUSH_WHITE = 3,
+  MAP_BRUSH_SEPARATION = 10,     // + 0..2: the station array's separations
 };
 
 // Raster operations of a blit to the window.

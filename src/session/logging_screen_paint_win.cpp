@@ -7,8 +7,10 @@
 #include "instruments/instrument.h"
 #include "session/model_status_texts.h"
 #include "map/colour_scale.h"
+#include "map/colour_bar.h"
 #include "session/logging_screen_win.h"
 #include "session/session_state.h"
+#include "session/reading_screen_win.h"
 
 void PaintLoggingScreen(HDC dc);
 
@@ -45,6 +47,11 @@ void PaintMapTitle(HDC dc) {
   FormatNarrow(text, sizeof text, formats[units], (long)Settings.MapSize);
   SetTextColor(dc, LabelColour);
   Text(dc, L.MapX + L.MapWidth, L.MapSizeLabel.Y, text, TA_RIGHT | TA_TOP);
+
+  // 2. The channel the colour image shows.
+  char title[48];
+  MapChannelTitle(Settings.MapDisplayMode, Session.ReviewActive, title, sizeof title);
+  Text(dc, L.ChannelTitle.X, L.ChannelTitle.Y, title);
 
   // The EM61 family's marker lamps, dark until a marker comes.
   if (L.MarkerLampCount > 0) {
@@ -262,6 +269,7 @@ void PaintTotals(HDC dc) {
 }  // namespace
 
 void PaintLoggingScreen(HDC dc) {
+  ForgetReadingTextsShown();
   SetBkMode(dc, TRANSPARENT);
   HGDIOBJ oldFont = SelectObject(dc, Fonts.FontText);
   HGDIOBJ oldPen = SelectObject(dc, Tools.PenDarkGrey);

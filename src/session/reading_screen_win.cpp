@@ -3,12 +3,35 @@
 // it decided.
 #include "session/reading_screen_win.h"
 
+#include <mmsystem.h>
+
+#include <cstdio>
+#include <cstring>
+
 #include "core/platform_win.h"
 #include "core/state.h"
+#include "gps/gps_fields_win.h"
+#include "instruments/em_text_reading.h"
 #include "instruments/link_supervision_win.h"
 #include "instruments/reading.h"
+#include "map/profile_views_win.h"
+#include "session/logging_layout.h"
+#include "session/logging_screen_win.h"
+#include "session/session_dialogs_win.h"
+
+ReadingTextsShownRecord ReadingTextsShown;
 
 namespace {
+
+constexpr int WARNING_BOX = 12;   // side of a warning box beside the numbers
+
+// A text is drawn only when it differs from what its place shows: most of
+// them stand still from one reading to the next.
+bool Changed(char (&shown)[OUTCOME_TEXT], const char* text) {
+  if (strncmp(shown, text, OUTCOME_TEXT) == 0) return false;
+  snprintf(shown, OUTCOME_TEXT, "%s", text);
+  return true;
+}
 
 // A frame ends the lost-connection notice: the link counts as healthy again.
 void EndLostLinkNotice(HWND screen) {
@@ -18,15 +41,100 @@ void EndLostLinkNotice(HWND screen) {
   shown = RECT{};
 }
 
+RECT WarningBox(int index) {
+  const LoggingLayoutRecord& L = LoggingLayout;
+  const int pitch = L.PanelRowPitch > 0 ? L.PanelRowPitch : 16;
+  const int x = L.NumbersX - WARNING_BOX - 4;
+  const int y = L.NumbersTop + 6 + index * pitch;
+  return RECT{x, y, x + WARNING_BOX, y + WARNING_BOX};
+}
+
+void DrawWarnings(HDC dc, const ReadingOutcome& out) {
+  for (int i = 0; i < 2; ++i) {
+    if (out.Warnings[i] < 0 || out.Warnings[i] == ReadingTextsShown.Warnings[i]) continue;
+    ReadingTextsShown.Warnings[i] = out.Warnings[i];
+    const RECT box = WarningBox(i);
+    FillRect(dc, &box, Tools.BrushButtonFace);
+    if (out.Warnings[i] == 0) continue;
+    HGDIOBJ oldPen = SelectObject(dc, Tools.PenRedFill);
+    HGDIOBJ oldBrush = SelectObject(dc, Tools.BrushRed);
+    Ellipse(dc, box.left, box.top, box.right, box.bottom);
+    SelectObject(dc, oldPen);
+    SelectObject(dc, oldBrush);
+  }
+}
+
+void DrawPanelText(HDC dc, const PixelRect& place, const char* text, HFONT font, COLORREF colour) {
+  const RECT box = ToRect(place);
+  FillRect(dc, &box, Tools.BrushButtonFace);
+  if (!text) return;
+  HGDIOBJ oldFont = SelectObject(dc, font);
+  SetTextColor(dc, colour);
+  SetBkMode(dc, TRANSPARENT);
+  DrawNarrowTextAt(dc, place.X, place.Y, text);
+  SelectObject(dc, oldFont);
+}
+
+void DrawScreenTexts(HWND screen, const ReadingOutcome& out) {
+  HDC dc = GetDC(screen);
+  if (!dc) return;
+  const LoggingLayoutRecord& L = LoggingLayout;
+  HGDIOBJ oldFont = SelectObject(dc, Fonts.FontText);
+  ReadingTextsShownRecord& shown = ReadingTextsShown;
+  if (out.StationShown) {
+    if (Changed(shown.Station, out.StationText)) DrawGpsFieldText(dc, ToRect(L.Station.Value), out.StationText, 0);
+    if (Changed(shown.TotalStations, out.TotalStationsText))
+      DrawGpsFieldText(dc, ToRect(L.TotalStations.Value), out.TotalStationsText, 0);
+  }
+  if (out.TimeShown && Changed(shown.Time, out.TimeText))
+    DrawGpsFieldText(dc, ToRect(L.TotalTime.Value), out.TimeText, 0);
+  if (out.MarkerShown && Changed(shown.Marker, out.MarkerText))
+    DrawPanelText(dc, L.MarkerBox, out.MarkerText, Fonts.FontTextBold, RGB(255, 0, 0));
+  if (out.ReadingCountShown > 0)
+    DrawPanelText(dc, L.ReadingCountText, out.ReadingCountText, Fonts.FontTextBold, RGB(0, 0, 0));
+  else if (out.ReadingCountShown < 0)
+    DrawPanelText(dc, L.ReadingCountText, nullptr, Fonts.FontTextBold, RGB(0, 0, 0));
+  DrawWarnings(dc, out);
+  SelectObject(dc, oldFont);
+  ReleaseDC(screen, dc);
+}
+
+bool AnyScreenText(const ReadingOutcome& out) {
+  const ReadingTextsShownRecord& shown = ReadingTextsShown;
+  return (out.StationShown && (strncmp(shown.Station, out.StationText, OUTCOME_TEXT) != 0 ||
+                               strncmp(shown.TotalStations, out.TotalStationsText, OUTCOME_TEXT) != 0)) ||
+         (out.TimeShown && strncmp(shown.Time, out.TimeText, OUTCOME_TEXT) != 0) ||
+         (out.MarkerShown && strncmp(shown.Marker, out.MarkerText, OUTCOME_TEXT) != 0) ||
+         out.ReadingCountShown != 0 || (out.Warnings[0] >= 0 && out.Warnings[0] != shown.Warnings[0]) ||
+         (out.Warnings[1] >= 0 && out.Warnings[1] != shown.Warnings[1]);
+}
+
 void ApplyReadingOutcome(HWND screen, const ReadingOutcome& out) {
   if (out.EndLostLink) EndLostLinkNotice(screen);
+  if (out.ProfileStep && LoggingWindows.Curves[0] && IsWindowVisible(LoggingWindows.Curves[0]))
+    ProfileScroll(LoggingWindows.Curves[0], out.ProfilePixel, out.ProfileOn, out.ProfileCount, Scales.ProfileTicks);
+  if (out.BarCount) MovingBars(out);
+  if (out.NumbersShown) ShowNumbers(LoggingWindows.Numbers, out);
+  if (AnyScreenText(out)) DrawScreenTexts(screen, out);
+  if (out.Sound) PlaySoundW(out.Sound, Windows.Instance, out.SoundFlags);
 }
 
 }  // namespace
+
+void ForgetReadingTextsShown() { ReadingTextsShown = ReadingTextsShownRecord(); }
 
 LRESULT LoggingReading(HWND screen, UINT, WPARAM, LPARAM) {
   ReadingOutcome out;
   HandleReading(out);
   ApplyReadingOutcome(screen, out);
+  if (out.ConfirmStation) {
+    // The readers go on meanwhile; their frames are not handled while the box is up.
+    Session.ProcessingEnabled = 0;
+    const int accepted = RunStationConfirmDialog(screen, out);
+    ReadingOutcome after;
+    FinishManualStation(accepted, after);
+    Session.ProcessingEnabled = 1;
+    ApplyReadingOutcome(screen, after);
+  }
   return 0;
 }

@@ -3,3 +3,19 @@
 #include <windows.h>
 
 LRESULT LoggingReading(HWND screen, UINT message, WPARAM wParam, LPARAM lParam);
+
+#include "instruments/reading.h"
+
+// What the reading texts on the screen show now; a repaint of the screen
+// forgets it, so that the next reading writes them all again.
+struct ReadingTextsShownRecord {
+  char Station[OUTCOME_TEXT] = {};
+  char TotalStations[OUTCOME_TEXT] = {};
+  char Time[OUTCOME_TEXT] = {};
+  char Marker[OUTCOME_TEXT] = {};
+  int Warnings[2] = {-1, -1};
+};
+
+extern ReadingTextsShownRecord ReadingTextsShown;
+
+void ForgetReadingTextsShown();

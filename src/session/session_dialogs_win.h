@@ -29,3 +29,9 @@ void ReturnFocus(HWND owner);
 void SetDialogNumber(HWND dialog, int id, const char* format, double value);
 // A field's text as a number; text that is no number reads as 0.
 double DialogNumber(HWND dialog, int id);
+
+struct ReadingOutcome;
+// CONFIRMSTATION, "Confirm and Save Readings": the readings of a Manual
+// station; 1 "Accept and Move to the Next Station", 0 "Cancel and Repeat All
+// Readings at this Station".
+int RunStationConfirmDialog(HWND owner, const ReadingOutcome& station);

@@ -32,6 +32,10 @@
 #include "session/session_menu_win.h"
 #include "session/session_state.h"
 #include "session/session_win.h"
+#include "session/view_dialogs_win.h"
+#include "instruments/instrument.h"
+#include "map/colour_bar.h"
+#include "session/session_state.h"
 
 SessionMenuRecord SessionMenu;
 
@@ -187,6 +191,60 @@ void FileCommand() {
   Session.ProcessingEnabled = 1;
 }
 
+// Manual stations of several readings, confirmed in a box.
+bool StationsConfirmed() {
+  return Instrument().Commands.StationConfirm && Settings.SurveyMode == SURVEY_MANUAL;
+}
+
+// "Rdg: %1d of %1d" in the status column, or its place wiped.
+void ShowReadingCount(int show) {
+  HDC dc = GetDC(Windows.ScreenLog);
+  if (!dc) return;
+  const RECT box = ToRect(LoggingLayout.ReadingCountText);
+  FillRect(dc, &box, Tools.BrushButtonFace);
+  if (show) {
+    char text[32];
+    FormatNarrow(text, sizeof text, "Rdg: %1d of %1d", Model.ManualReadingsDone, Model.ManualReadingsPerStation);
+    HGDIOBJ old = SelectObject(dc, Fonts.FontTextBold);
+    SetBkMode(dc, TRANSPARENT);
+    DrawNarrowTextAt(dc, box.left, box.top, text);
+    SelectObject(dc, old);
+  }
+  ReleaseDC(Windows.ScreenLog, dc);
+}
+
+// The readout windows draw their scale lines anew; the map keeps its picture.
+void RepaintReadouts() {
+  for (HWND window : {LoggingWindows.Curves[0], LoggingWindows.Curves[1], LoggingWindows.Curves[2],
+                      LoggingWindows.Decay, LoggingWindows.BarQ, LoggingWindows.BarI, LoggingWindows.Numbers})
+    if (window) InvalidateRect(window, nullptr, TRUE);
+}
+
+// A colour channel radio: the image shows that channel from now on.
+void ChannelCommand(int code) {
+  if (Settings.GpsInput == 0) {
+    Inform(L"INFORMATION", "Option avaiable only when GPS is enabled");
+    return;
+  }
+  Settings.MapDisplayMode = code - CMD_CHANNEL_1 + 1;
+  RecomputeColourWidth();
+  if (!Session.ReviewActive) LoadSettings(SETTINGS_SAVE);
+  ShowChannelButtons(1);
+  HDC dc = GetDC(Windows.ScreenLog);
+  if (dc) {
+    char title[48];
+    MapChannelTitle(Settings.MapDisplayMode, Session.ReviewActive, title, sizeof title);
+    const RECT box = ToRect(LoggingLayout.ChannelTitle);
+    FillRect(dc, &box, Tools.BrushButtonFace);
+    HGDIOBJ old = SelectObject(dc, Fonts.FontText);
+    SetBkMode(dc, TRANSPARENT);
+    DrawNarrowTextAt(dc, box.left, box.top, title);
+    SelectObject(dc, old);
+    ReleaseDC(Windows.ScreenLog, dc);
+  }
+  SetFocus(Windows.ScreenLog);
+}
+
 // "&Go": recording starts.
 void GoCommand() {
   if (Session.MapTooSmall == 2) {
@@ -202,6 +260,7 @@ void GoCommand() {
   ShowChannelButtons(0);
   ShowWindow(LoggingWindows.Pause, SW_SHOW);
   SendMessageW(LoggingWindows.Pause, BM_SETSTYLE, 1, TRUE);
+  if (StationsConfirmed()) ShowReadingCount(1);
   ShowPauseHint(SESSION_LOGGING);
   Session.ProcessingEnabled = 1;
 }
@@ -210,6 +269,7 @@ void GoCommand() {
 void PauseCommand() {
   Session.ProcessingEnabled = 0;
   const PauseWarning warning = StopRecording();
+  if (StationsConfirmed() && Model.ManualReadingsPerStation > 1) ShowReadingCount(0);
   ShowPauseHint(SESSION_STANDBY);
   ReopenDataFileAtEnd();
   ShowChannelButtons(1);
@@ -363,7 +423,21 @@ void RunCommand(int code) {
     case CMD_ENTER_BACKGROUND: EnterBackgroundFilesCommand(Windows.ScreenLog); break;
     case CMD_REMOVE_BACKGROUND: RemoveBackgroundFilesCommand(Windows.ScreenLog); break;
     case CMD_EXIT_REVIEW: ReviewCommand(0); break;
-    default: break;  // dialogs of scales, colours and alarms come later
+    case CMD_SCALE_READINGS:
+      if (RunScaleReadingsDialog(Windows.ScreenLog)) {
+        RepaintLoggingScreen();
+        RepaintReadouts();
+      }
+      break;
+    case CMD_SCALE_SPEED_BAR: RunSpeedScaleDialog(Windows.ScreenLog); break;
+    case CMD_PROFILE_OPTIONS:
+      if (RunDisplaySetupDialog(Windows.ScreenLog)) RepaintReadouts();
+      break;
+    case CMD_AUDIO_OPTIONS: RunAudioOptionsDialog(Windows.ScreenLog); break;
+    case CMD_CHANNEL_1: case CMD_CHANNEL_1 + 1: case CMD_CHANNEL_1 + 2: case CMD_CHANNEL_1 + 3:
+      ChannelCommand(code);
+      break;
+    default: break;  // dialogs of alarms come later
   }
 }
 

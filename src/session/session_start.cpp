@@ -7,8 +7,10 @@
 #include "gps/position_pipeline.h"
 #include "instruments/instrument.h"
 #include "map/background_files.h"
+#include "map/colour_swath.h"
 #include "map/live_map.h"
 #include "map/map_canvas.h"
+#include "map/profile_views.h"
 #include "map/scale_ticks.h"
 #include "session/session_state.h"
 
@@ -47,6 +49,9 @@ void PrepareSessionState() {
 
   ForgetBackgroundFiles();
   ResetMapForSession();
+  InstallColourImage();
+  if (row.Reading.StartSession) row.Reading.StartSession();
+  ClearFirstReadingFlags();
 
   const int byRate = AudioTickEveryByRate();
   Link.AudioTickEvery = row.Commands.AudioTickEveryForMode

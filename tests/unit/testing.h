@@ -21,6 +21,7 @@ bool ReadWholeFile(const std::string& path, std::string& out);
 
 template <typename T> std::string Show(const T& value) {
   if constexpr (std::is_same_v<T, std::string>) return Quoted(value);
+  else if constexpr (std::is_array_v<T>) return Quoted(std::string(value));
   else if constexpr (std::is_convertible_v<T, const char*>) return Quoted(value ? std::string(value) : std::string("(null)"));
   else if constexpr (std::is_floating_point_v<T>) { char b[64]; snprintf(b, sizeof b, "%.17g", (double)value); return b; }
   else if constexpr (std::is_enum_v<T>) return std::to_string((long long)value);

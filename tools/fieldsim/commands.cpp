@@ -56,8 +56,8 @@ bool ParseArguments(std::istringstream& words, const std::string& name, Command&
       return error.empty();
     case CommandKind::Overlong: {
       if (!ParseWithTarget(words, name, command, error)) return false;
-      if (command.Stream != Target::Gps || command.Amount > kMaxBytes) {
-        error = "overlong is for gps only, at most 65536 characters";
+      if (command.Amount > kMaxBytes) {
+        error = "overlong takes at most 65536 characters";
         return false;
       }
       std::string tail;
@@ -67,6 +67,22 @@ bool ParseArguments(std::istringstream& words, const std::string& name, Command&
       }
       return true;
     }
+    case CommandKind::Hold:
+      if (!ParseAmount(words, command.Amount)) error = "hold needs a number of frames";
+      return error.empty();
+    case CommandKind::Separation:
+      if (!ParseAmount(words, command.Amount) ||
+          (command.Amount != 10 && command.Amount != 20 && command.Amount != 40))
+        error = "separation needs 10, 20 or 40";
+      return error.empty();
+    case CommandKind::Dipole:
+      words >> command.Word;
+      if (command.Word != "v" && command.Word != "h") error = "dipole needs v or h";
+      return error.empty();
+    case CommandKind::Model:
+      words >> command.Word;
+      if (command.Word.empty()) error = "model needs a name";
+      return error.empty();
     default:
       return true;
   }
@@ -80,6 +96,9 @@ bool ParseCommand(const std::string& line, Command& command, std::string& error)
       {"overlong", CommandKind::Overlong},     {"close", CommandKind::Close},
       {"dollar-mid", CommandKind::DollarMid},  {"bad-checksum", CommandKind::BadChecksum},
       {"lower-checksum", CommandKind::LowerChecksum}, {"marker", CommandKind::Marker},
+      {"hold", CommandKind::Hold},             {"dipole", CommandKind::Dipole},
+      {"separation", CommandKind::Separation}, {"model", CommandKind::Model},
+      {"bad-cr", CommandKind::BadCr},          {"letters", CommandKind::Letters},
       {"quit", CommandKind::Quit}};
   std::istringstream words(line);
   std::string name;

@@ -7,6 +7,13 @@
 //   lower-checksum              next sentence whose checksum has a hex letter, in lower case
 //   close gps|instrument        close the port for good
 //   marker                      press the instrument's button for one frame
+//   hold N                      hold the button down for N frames
+//   dipole v|h                  turn the instrument to the other dipole
+//   separation 10|20|40         EM34-3: change the coil separation
+//   model M                     the instrument starts sending another model's frames
+//   bad-cr                      the next frame gets one character too many before its CR
+//   letters                     the next frame has letters where digits belong
+//   overlong instrument N       N characters without CR on the instrument line
 //   quit
 // A script line is "at SECONDS COMMAND"; blank lines and '#' lines are skipped.
 #pragma once
@@ -18,13 +25,17 @@ namespace fieldsim {
 
 enum class Target { Gps, Instrument };
 
-enum class CommandKind { Quiet, Garbage, Overlong, DollarMid, BadChecksum, LowerChecksum, Close, Marker, Quit };
+enum class CommandKind {
+  Quiet, Garbage, Overlong, DollarMid, BadChecksum, LowerChecksum, Close, Marker, Hold, Dipole, Separation,
+  Model, BadCr, Letters, Quit
+};
 
 struct Command {
   CommandKind Kind = CommandKind::Quit;
   Target Stream = Target::Gps;
   double Amount = 0.0;        // seconds for quiet, bytes for garbage and overlong
   bool WithLineEnd = false;   // overlong ... lf
+  std::string Word;           // dipole v|h, model name
 };
 
 struct TimedCommand {

@@ -82,6 +82,15 @@ Commands on standard input, one a line (also in --script after "at SEC"):
                         it in lower case
   close gps | close instrument   close the port for good
   marker                press the instrument's button for one frame
+  hold N                hold the button down for N frames (Manual stations)
+  dipole v|h            turn the instrument to the other dipole
+  separation 10|20|40   EM34-3: change the coil separation
+  model M               send another model's frames from now on (em31, em34,
+                        em38-7, em38-12): the wrong instrument on the port
+  bad-cr                the next frame gets one character too many before
+                        its CR
+  letters               the next frame has letters where digits belong
+  overlong instrument N N digits without CR on the instrument line
   quit
 
 Examples:

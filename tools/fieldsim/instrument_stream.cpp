@@ -12,7 +12,8 @@ InstrumentStream::InstrumentStream(const Options& options, const Walk& walk, Gro
       port_(port),
       random_(random),
       startMono_(startMono),
-      periodSeconds_(FramePeriodMs(options.Instrument.Model) / 1000.0) {}
+      periodSeconds_(FramePeriodMs(options.Instrument.Model) / 1000.0),
+      setup_(options.Instrument) {}
 
 double InstrumentStream::NextDeadline() const { return FrameTime(nextFrame_); }
 
@@ -26,7 +27,7 @@ void InstrumentStream::Tick(double now) {
 }
 
 double InstrumentStream::DepthScale() const {
-  const InstrumentSetup& setup = options_.Instrument;
+  const InstrumentSetup& setup = setup_;
   const double dipole = setup.Vertical ? 1.0 : 0.75;
   switch (setup.Model) {
     case InstrumentModel::Em34: return dipole * setup.Separation / 10.0;
@@ -36,6 +37,10 @@ double InstrumentStream::DepthScale() const {
 }
 
 bool InstrumentStream::MarkerDue(long frame) {
+  if (holdFrames_ > 0) {
+    --holdFrames_;
+    return true;
+  }
   if (markerPending_) {
     markerPending_ = false;
     return true;
@@ -52,10 +57,20 @@ void InstrumentStream::SendFrame(long frame) {
   const double conductivity = ground_.Conductivity(at, DepthScale());
   const double inphase = ground_.Inphase(at, DepthScale());
   const bool marker = MarkerDue(frame);
-  const bool inphaseFirst = options_.Instrument.Inphase && options_.Instrument.Model != InstrumentModel::Em31 &&
-                            options_.Instrument.Model != InstrumentModel::Em34;
-  port_.Send(BuildFrame(options_.Instrument, inphaseFirst ? inphase : conductivity,
-                        inphaseFirst ? conductivity : inphase, marker));
+  const bool inphaseFirst = setup_.Inphase && setup_.Model != InstrumentModel::Em31 &&
+                            setup_.Model != InstrumentModel::Em34;
+  std::string text = BuildFrame(setup_, inphaseFirst ? inphase : conductivity,
+                                 inphaseFirst ? conductivity : inphase, marker);
+  if (lettersPending_) {
+    lettersPending_ = false;
+    text[4] = 'A';
+    text[5] = 'B';
+  }
+  if (badCrPending_) {
+    badCrPending_ = false;
+    text.insert(text.size() - 1, "7");
+  }
+  port_.Send(text);
 }
 
 void InstrumentStream::Apply(const Command& command, double now) {
@@ -73,7 +88,30 @@ void InstrumentStream::Apply(const Command& command, double now) {
       port_.Send(noise);
       break;
     }
+    case CommandKind::Overlong: {
+      std::uniform_int_distribution<int> digit('0', '9');
+      std::string line;
+      while (line.size() < static_cast<size_t>(command.Amount)) line += static_cast<char>(digit(random_));
+      port_.Send(line);
+      break;
+    }
     case CommandKind::Marker: markerPending_ = true; break;
+    case CommandKind::Hold: holdFrames_ = static_cast<long>(command.Amount); break;
+    case CommandKind::Dipole: setup_.Vertical = command.Word == "v"; break;
+    case CommandKind::Separation: setup_.Separation = static_cast<int>(command.Amount); break;
+    case CommandKind::BadCr: badCrPending_ = true; break;
+    case CommandKind::Letters: lettersPending_ = true; break;
+    case CommandKind::Model: {
+      InstrumentModel model;
+      if (!ParseModel(command.Word, model)) break;
+      setup_.Model = model;
+      setup_.Range = DefaultRange(model);
+      // The new model's cadence from here on.
+      startMono_ = now;
+      nextFrame_ = 0;
+      periodSeconds_ = FramePeriodMs(model) / 1000.0;
+      break;
+    }
     default: break;
   }
 }

@@ -21,7 +21,7 @@ class InstrumentStream {
 
   void Tick(double now);
   double NextDeadline() const;
-  // quiet, garbage, marker.
+  // quiet, garbage, overlong, marker, hold, dipole, separation, model, bad-cr, letters.
   void Apply(const Command& command, double now);
 
  private:
@@ -41,6 +41,10 @@ class InstrumentStream {
   long nextFrame_ = 0;
   double quietUntil_ = 0.0;
   bool markerPending_ = false;
+  long holdFrames_ = 0;           // frames still to send with the button down
+  bool badCrPending_ = false;
+  bool lettersPending_ = false;
+  InstrumentSetup setup_;         // as the options say, then as the commands change it
 };
 
 }  // namespace fieldsim

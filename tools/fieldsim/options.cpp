@@ -42,16 +42,6 @@ bool ParseStartTime(const std::string& text, double& seconds) {
   return true;
 }
 
-bool ParseModel(const std::string& text, InstrumentModel& model) {
-  static const std::map<std::string, InstrumentModel> kModels = {{"em31", InstrumentModel::Em31},
-                                                                 {"em34", InstrumentModel::Em34},
-                                                                 {"em38-7", InstrumentModel::Em38Short},
-                                                                 {"em38-12", InstrumentModel::Em38Long}};
-  const auto found = kModels.find(text);
-  if (found == kModels.end()) return false;
-  model = found->second;
-  return true;
-}
 
 using ValueHandler = std::function<bool(const std::string&)>;
 using FlagHandler = std::function<void()>;
@@ -135,6 +125,17 @@ ParseResult ParseOptions(int argc, char** argv, Options& o, std::string& error) 
     return ParseResult::Error;
   }
   return ParseResult::Run;
+}
+
+bool ParseModel(const std::string& text, InstrumentModel& model) {
+  static const std::map<std::string, InstrumentModel> kModels = {{"em31", InstrumentModel::Em31},
+                                                                 {"em34", InstrumentModel::Em34},
+                                                                 {"em38-7", InstrumentModel::Em38Short},
+                                                                 {"em38-12", InstrumentModel::Em38Long}};
+  const auto found = kModels.find(text);
+  if (found == kModels.end()) return false;
+  model = found->second;
+  return true;
 }
 
 }  // namespace fieldsim

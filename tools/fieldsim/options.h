@@ -51,4 +51,7 @@ ParseResult ParseOptions(int argc, char** argv, Options& options, std::string& e
 
 const char* HelpText();
 
+// "em31", "em34", "em38-7" or "em38-12"; false for another name.
+bool ParseModel(const std::string& text, InstrumentModel& model);
+
 }  // namespace fieldsim

@@ -538,6 +538,34 @@ def run_instrument_faults(binary, directory):
     print("ok  " if not FAILURES else "..  ", name)
 
 
+def run_instrument_changes(binary, directory):
+    """The button held, the other dipole and separation, a CR at the wrong
+    distance, letters for digits, an overlong line and another model."""
+    name = "instrument changes"
+    pair = PtyPair(directory, "em")
+    reader = Reader(pair.app)
+    process = start_fieldsim(binary, ["--instrument", pair.sim, "--model", "em34", "--separation", "20"])
+    reader.pump(0.3)
+    for command in ("hold 3", "dipole h", "separation 40", "bad-cr", "letters", "overlong instrument 50"):
+        send(process, command)
+        reader.pump(0.3)
+    send(process, "model em38-7")
+    reader.pump(0.5)
+    finish(process, name)
+    reader.close()
+    pair.stop()
+    frames = [frame for frame in reader.data().split(b"\r") if frame]
+    held = [f for f in frames if len(f) == 12 and f[0:1] == b"T" and f[1] & 64]
+    check(len(held) == 3, name + ": three frames with the button down, %d" % len(held))
+    turned = [f for f in frames if len(f) == 12 and f[0:1] == b"T" and (f[1] & 32) and (f[1] & 24) == 24]
+    check(len(turned) >= 3, name + ": horizontal frames at 40 m")
+    check(any(len(f) == 13 and f[0:1] == b"T" for f in frames), name + ": one frame with its CR a byte late")
+    check(any(len(f) == 12 and f[4:6] == b"AB" for f in frames), name + ": a frame with letters for digits")
+    check(any(len(f) >= 50 and f[:50].isdigit() for f in frames), name + ": fifty digits without CR")
+    check(len(frames[-1]) == 7 and frames[-1][0:1] == b"T", name + ": 7-byte frames after the model change")
+    print("ok  " if not FAILURES else "..  ", name)
+
+
 def run_port_loss(binary, directory):
     """socat dies and comes back: fieldsim must survive and reopen."""
     name = "port loss"
@@ -596,6 +624,7 @@ def main():
         run_instrument(binary, directory, "em38-12", ["--range", "3"])
         run_gps_faults(binary, directory)
         run_instrument_faults(binary, directory)
+        run_instrument_changes(binary, directory)
         run_port_loss(binary, directory)
     print("selfcheck: %s" % ("all passed" if not FAILURES else "%d failures" % len(FAILURES)))
     return 0 if not FAILURES else 1

@@ -162,9 +162,13 @@ void Simulator::Execute(const Command& command, const std::string& text, double 
     if (options_.Verbose) printf("ok: quit\n");
     return;
   }
-  const bool forInstrument = command.Kind == CommandKind::Marker ||
+  const bool instrumentOnly = command.Kind == CommandKind::Marker || command.Kind == CommandKind::Hold ||
+                              command.Kind == CommandKind::Dipole || command.Kind == CommandKind::Separation ||
+                              command.Kind == CommandKind::Model || command.Kind == CommandKind::BadCr ||
+                              command.Kind == CommandKind::Letters;
+  const bool forInstrument = instrumentOnly ||
                              ((command.Kind == CommandKind::Quiet || command.Kind == CommandKind::Garbage ||
-                               command.Kind == CommandKind::Close) &&
+                               command.Kind == CommandKind::Close || command.Kind == CommandKind::Overlong) &&
                               command.Stream == Target::Instrument);
   SerialPort* port = forInstrument ? instrumentPort_.get() : gpsPort_.get();
   if (port == nullptr) {

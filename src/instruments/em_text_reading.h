@@ -1,0 +1,41 @@
+// The reading handlers of the EM31-MK2, the EM34-3 and the EM38: one design
+// with three sets of differences. Each decodes the frame in `FrameBuffer`,
+// decides whether it is logged, writes its record, moves the station, feeds
+// the colour image and says what the screen is to show.
+#pragma once
+#include "instruments/em_text_decode.h"
+
+struct ReadingOutcome;
+
+// What the handlers keep between readings.
+struct EmReadingStateRecord {
+  int LogGate = 0;              // Manual: 0 waiting for a press, 1 this press logs, -1 held
+  int CurrentChannel = -1;      // EM34-3: the first valid channel of the last reading
+  EmReading Last;               // the last decoded reading
+  // EM34-3 Manual: the channels of the station being taken, and the rows of
+  // its confirmation box.
+  double StationValues[READING_CHANNELS] = {};
+  int StationValid[READING_CHANNELS] = {};
+  int StationLineCount = 0;
+  char StationLines[6][80] = {};
+  int StationSeparations[3] = {};   // separations 10, 20, 40 m read at the station
+};
+
+extern EmReadingStateRecord EmReadingState;
+
+// Start of a session.
+void ResetEmReadingState();
+
+// The row hooks.
+void HandleEm31Reading(ReadingOutcome& out);
+void HandleEm38Reading(ReadingOutcome& out);
+void HandleEm34Reading(ReadingOutcome& out);
+
+// The EM34-3 station box was answered: 1 accept and move on, 0 repeat the station.
+void FinishManualStation(int accepted, ReadingOutcome& out);
+
+// The LogGate after a reading whose handler status is `status`.
+int NextLogGate(int gate, int status, int manual);
+
+// The rows of the confirmation box and the progress text.
+void FormatStationLine(int number, char dipole, int separation, int gain, double value, char* out, int capacity);

@@ -1,0 +1,141 @@
+#include "map/profile_views.h"
+
+#include "core/numeric.h"
+#include "map/scale_ticks.h"
+#include "session/session_state.h"
+
+ProfileMemoryRecord ProfileMemory;
+
+void ClearFirstReadingFlags() {
+  ProfileMemoryRecord& m = ProfileMemory;
+  for (int i = 0; i < PROFILE_CHANNELS; ++i) m.HasPoint[i] = 0;
+  for (int w = 0; w < BAR_WINDOWS; ++w) {
+    m.BarsFresh[w] = 1;
+    for (int b = 0; b < BARS_PER_WINDOW; ++b) m.BarKept[w][b] = -1;
+  }
+}
+
+int ScalePixel(double value, double maximum, double factor) { return TruncToInt((maximum - value) * factor); }
+
+int ProfilePixelOnScale(double value, int secondScale) {
+  return secondScale ? ScalePixel(value, Settings.Scale2Max, Scales.ProfileScale2Factor)
+                     : ScalePixel(value, Settings.ScaleMax, Scales.ProfileScaleFactor);
+}
+
+int BarPixelOnScale(double value, int secondScale) {
+  return secondScale ? ScalePixel(value, Settings.Scale2Max, Scales.BarScale2Factor)
+                     : ScalePixel(value, Settings.ScaleMax, Scales.BarScaleFactor);
+}
+
+void PlanProfileStep(const int pixels[], const int on[], int count, ProfileStroke out[]) {
+  ProfileMemoryRecord& m = ProfileMemory;
+  if (count > PROFILE_CHANNELS) count = PROFILE_CHANNELS;
+  for (int i = 0; i < count; ++i) {
+    out[i] = ProfileStroke();
+    const int isOn = on[i] ? 1 : 0;
+    if (isOn) {
+      out[i].ToY = pixels[i];
+      if (!m.HasPoint[i] || m.LastOn[i] != isOn) {
+        out[i].Kind = STROKE_POINT;
+        out[i].FromY = pixels[i];
+        m.HasPoint[i] = 1;
+      } else {
+        out[i].Kind = STROKE_LINE;
+        out[i].FromY = m.LastPixel[i];
+      }
+      m.LastPixel[i] = pixels[i];
+    }
+    m.LastOn[i] = isOn;
+  }
+}
+
+int BarBase(const ScaleTickTable& ticks, int height) {
+  if (ticks.ZeroLineMode < 0) return 0;
+  if (ticks.ZeroLineMode == 0) return ticks.Ticks[1];
+  return height;
+}
+
+int TakeBarsFresh(int window, const ScaleTickTable& ticks, int height) {
+  if (window < 0 || window >= BAR_WINDOWS) return 0;
+  ProfileMemoryRecord& m = ProfileMemory;
+  if (!m.BarsFresh[window]) return 0;
+  m.BarsFresh[window] = 0;
+  const int base = BarBase(ticks, height);
+  for (int b = 0; b < BARS_PER_WINDOW; ++b) {
+    m.BarLast[window][b] = base;
+    m.BarKept[window][b] = -1;
+  }
+  return 1;
+}
+
+namespace {
+
+// Rectangles are kept top-down whichever end the bar moved from.
+BarRectangle Span(int white, int left, int right, int a, int b) {
+  return {white, left, a < b ? a : b, right, a < b ? b : a};
+}
+BarRectangle Colour(int x, int w, int a, int b) { return Span(0, x, x + w, a, b); }
+BarRectangle White(int x, int w, int a, int b) { return Span(1, x - 1, x + w + 1, a, b); }
+
+}  // namespace
+
+int PlanMovingBar(int window, int index, int pixel, const ScaleTickTable& ticks, int height, int x, int w,
+                  BarRectangle out[2]) {
+  if (window < 0 || window >= BAR_WINDOWS || index < 0 || index >= BARS_PER_WINDOW) return 0;
+  ProfileMemoryRecord& m = ProfileMemory;
+  const int p = pixel;
+  const int l = m.BarLast[window][index];
+  int n = 0;
+  switch (ticks.ZeroLineMode) {
+    case -1:
+      if (p > l) out[n++] = Colour(x, w, l, p);
+      else out[n++] = White(x, w, l, p);
+      break;
+    case 1:
+      if (p < l) out[n++] = Colour(x, w, p, l);
+      else out[n++] = White(x, w, l, p);
+      break;
+    default: {
+      const int z = ticks.Ticks[1];
+      if (p > z) {   // below zero
+        if (l >= z) {
+          if (p <= l) out[n++] = White(x, w, l, p);
+          else out[n++] = Colour(x, w, l, p);
+        } else {
+          out[n++] = White(x, w, l, z);
+          out[n++] = Colour(x, w, z, p);
+        }
+      } else {
+        if (l < z) {
+          if (p >= l) out[n++] = White(x, w, l, p);
+          else out[n++] = Colour(x, w, p, l);
+        } else {
+          out[n++] = White(x, w, z, height);
+          out[n++] = Colour(x, w, p, z);
+        }
+      }
+      break;
+    }
+  }
+  m.BarLast[window][index] = p;
+  m.BarKept[window][index] = p < 0 ? 0 : p > height ? height : p;
+  return n;
+}
+
+int SpeedBarPixels(double speed, double top, double bottom, int width) {
+  return TruncToInt((top - speed) * width / (top - bottom));
+}
+
+int TakeScaleEdit(double& minimum, double& maximum, int isMaximum, double value) {
+  if (isMaximum ? !(value > minimum) : !(value < maximum)) return 0;
+  (isMaximum ? maximum : minimum) = value;
+  return 1;
+}
+
+void FinishScaleDialog() {
+  if (Settings.ScaleMax <= Settings.ScaleMin) Settings.ScaleMax = Settings.ScaleMin + 100.0;
+  if (Settings.Scale2Max <= Settings.Scale2Min) Settings.Scale2Max = Settings.Scale2Min + 100.0;
+  RecomputeScaleFactors();
+  ClearFirstReadingFlags();
+  RecomputeColourWidth();
+}
