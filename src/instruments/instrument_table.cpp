@@ -9,7 +9,11 @@
 #include "core/variant.h"
 #include "datafile/header_configuration.h"
 #include "instruments/em38_link_check.h"
+#include "instruments/em38mk2_reader.h"
+#include "instruments/em38mk2_reading.h"
 #include "instruments/em_frame_reader.h"
+#include "instruments/grad601_reader.h"
+#include "instruments/grad601_reading.h"
 #include "instruments/reading.h"
 #include "session/model_status_texts.h"
 
@@ -69,6 +73,16 @@ void Em343DipoleSetting() {
   }
 }
 
+// The reader's start also readies the handler of its frames.
+void StartGradientLink() {
+  StartPbarReader();
+  ResetGradientHandler();
+}
+void StartMk2Link() {
+  StartMk2Reader();
+  ResetMk2Handler();
+}
+
 // The EM61-MK2 ticks each wheel step, and each sixth reading in Manual.
 int Em61Mk2TickEvery(int surveyMode, int byRate) {
   if (surveyMode == SURVEY_WHEEL) return 1;
@@ -86,8 +100,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadTimeoutMultiplier = 10, .FrameMs = 91.0, .FrameLength = 9, .ReadingMessage = WM_READING_GRAD601,
                  .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 4,
                  .Supervision = SUPERVISE_PANEL_ONCE, .NullingStateAfterStart = -1, .ReadingTickIsByteTick = 1,
-                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
-        .Reading = {.Handle = nullptr},
+                 .StartFramer = StartGradientLink, .FramerByte = PbarReaderByte, .CheckLink = nullptr},
+        .Reading = {.Handle = HandleGradientReading},
         .Views = {.ChannelCount = 1, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -322,8 +336,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadTimeoutMultiplier = 0, .FrameMs = 47.0, .FrameLength = 14, .ReadingMessage = WM_READING_EM38MK2,
                  .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 10,
                  .Supervision = SUPERVISE_EACH_TICK, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0,
-                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
-        .Reading = {.Handle = nullptr},
+                 .StartFramer = StartMk2Link, .FramerByte = Mk2ReaderByte, .CheckLink = nullptr},
+        .Reading = {.Handle = HandleMk2Reading},
         .Views = {.ChannelCount = 4, .DisplayCurveCount = 8, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2) | MapMode(4),
                   .ScaleMin = 0, .ScaleMax = 1000, .Scale2Min = 0, .Scale2Max = 1500, .ComponentAtStart = 0,

@@ -23,6 +23,7 @@
 #include "instruments/link_supervision_win.h"
 #include "instruments/serial_ports_win.h"
 #include "map/map_canvas.h"
+#include "session/calibration_commands_win.h"
 #include "session/commands.h"
 #include "session/logging_screen_win.h"
 #include "session/session_dialogs_win.h"
@@ -71,6 +72,7 @@ int ExitLogging(int withoutQuestion) {
     }
   }
   if (Settings.InstrumentEnabled > 0) KillTimer(Windows.ScreenLog, SESSION_TIMER_ID);
+  AbandonCalibrationAtExit();
   StopLinks();
   if (DataFileState.DataFile != NO_HANDLE) {
     CloseHandle((HANDLE)DataFileState.DataFile);
@@ -395,6 +397,8 @@ void RunCommand(int code) {
       break;
     case CMD_ENTER_REVIEW: ReviewCommand(1); break;
     case CMD_EXIT_REVIEW: ReviewCommand(0); break;
+    case CMD_CALIBRATE: CalibrateCommand(); break;
+    case CMD_REMOVE_CALIBRATION: RemoveCalibrationCommand(); break;
     default: break;  // dialogs of scales, colours, alarms and background files come later
   }
 }

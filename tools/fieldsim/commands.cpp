@@ -67,6 +67,14 @@ bool ParseArguments(std::istringstream& words, const std::string& name, Command&
       }
       return true;
     }
+    case CommandKind::Dipole:
+      words >> command.Word;
+      return command.Word == "v" || command.Word == "h";
+    case CommandKind::Fault: {
+      static const char* const kFaults[] = {"no-end", "short", "letters", "long", "end-inside"};
+      words >> command.Word;
+      return std::any_of(std::begin(kFaults), std::end(kFaults), [&](const char* f) { return command.Word == f; });
+    }
     default:
       return true;
   }
@@ -80,6 +88,7 @@ bool ParseCommand(const std::string& line, Command& command, std::string& error)
       {"overlong", CommandKind::Overlong},     {"close", CommandKind::Close},
       {"dollar-mid", CommandKind::DollarMid},  {"bad-checksum", CommandKind::BadChecksum},
       {"lower-checksum", CommandKind::LowerChecksum}, {"marker", CommandKind::Marker},
+      {"dipole", CommandKind::Dipole},         {"fault", CommandKind::Fault},
       {"quit", CommandKind::Quit}};
   std::istringstream words(line);
   std::string name;

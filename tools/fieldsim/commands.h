@@ -7,6 +7,8 @@
 //   lower-checksum              next sentence whose checksum has a hex letter, in lower case
 //   close gps|instrument        close the port for good
 //   marker                      press the instrument's button for one frame
+//   dipole v|h                  the instrument turned to vertical or horizontal
+//   fault KIND                  the next instrument message spoilt (no-end, short, letters, long, end-inside)
 //   quit
 // A script line is "at SECONDS COMMAND"; blank lines and '#' lines are skipped.
 #pragma once
@@ -18,13 +20,14 @@ namespace fieldsim {
 
 enum class Target { Gps, Instrument };
 
-enum class CommandKind { Quiet, Garbage, Overlong, DollarMid, BadChecksum, LowerChecksum, Close, Marker, Quit };
+enum class CommandKind { Quiet, Garbage, Overlong, DollarMid, BadChecksum, LowerChecksum, Close, Marker, Dipole, Fault, Quit };
 
 struct Command {
   CommandKind Kind = CommandKind::Quit;
   Target Stream = Target::Gps;
   double Amount = 0.0;        // seconds for quiet, bytes for garbage and overlong
   bool WithLineEnd = false;   // overlong ... lf
+  std::string Word;           // dipole v|h; fault KIND
 };
 
 struct TimedCommand {

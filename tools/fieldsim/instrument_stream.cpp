@@ -12,7 +12,8 @@ InstrumentStream::InstrumentStream(const Options& options, const Walk& walk, Gro
       port_(port),
       random_(random),
       startMono_(startMono),
-      periodSeconds_(FramePeriodMs(options.Instrument.Model) / 1000.0) {}
+      periodSeconds_(FramePeriodMs(options.Instrument.Model) / 1000.0),
+      vertical_(options.Instrument.Vertical) {}
 
 double InstrumentStream::NextDeadline() const { return FrameTime(nextFrame_); }
 
@@ -46,9 +47,37 @@ bool InstrumentStream::MarkerDue(long frame) {
   return std::floor(t / every) != std::floor((t - periodSeconds_) / every);
 }
 
+// The gradient of each sensor: the ground's inphase response as nT/m, the
+// second sensor a metre to the east of the first.
+std::string InstrumentStream::GradientSentence(const LocalPoint& at) {
+  const LocalPoint east{at.East + 1.0, at.North};
+  const double first = ground_.Inphase(at, 0.5) * 10.0;
+  const double second = ground_.Inphase(east, 0.5) * 10.0;
+  return BuildPbarSentence(options_.Instrument.Sensors, first, second, fault_);
+}
+
+// The first coil pair (1 m) looks deeper than the second (0.5 m); the
+// horizontal dipole reads shallower than the vertical.
+std::string InstrumentStream::Mk2Frame(const LocalPoint& at, bool marker) {
+  const double dipole = vertical_ ? 1.0 : 0.75;
+  const double c1 = ground_.Conductivity(at, 0.6 * dipole);
+  const double i1 = ground_.Inphase(at, 0.6 * dipole);
+  const double c2 = ground_.Conductivity(at, 0.3 * dipole) * 0.8;
+  const double i2 = ground_.Inphase(at, 0.3 * dipole) * 0.5;
+  return BuildMk2Frame(vertical_, marker, options_.Instrument.Coils, c1, i1, c2, i2, options_.Instrument.Celsius,
+                       fault_);
+}
+
 void InstrumentStream::SendFrame(long frame) {
   const double t = static_cast<double>(frame) * periodSeconds_;
   const LocalPoint at = walk_.PositionAt(t);
+  const InstrumentModel model = options_.Instrument.Model;
+  if (model == InstrumentModel::Grad601 || model == InstrumentModel::Em38Mk2) {
+    const bool marker = MarkerDue(frame);
+    port_.Send(model == InstrumentModel::Grad601 ? GradientSentence(at) : Mk2Frame(at, marker));
+    fault_ = FrameFault::None;
+    return;
+  }
   const double conductivity = ground_.Conductivity(at, DepthScale());
   const double inphase = ground_.Inphase(at, DepthScale());
   const bool marker = MarkerDue(frame);
@@ -74,6 +103,15 @@ void InstrumentStream::Apply(const Command& command, double now) {
       break;
     }
     case CommandKind::Marker: markerPending_ = true; break;
+    case CommandKind::Dipole: vertical_ = command.Word == "v"; break;
+    case CommandKind::Fault: {
+      static const std::pair<const char*, FrameFault> kFaults[] = {
+          {"no-end", FrameFault::NoEnd}, {"short", FrameFault::Short}, {"letters", FrameFault::Letters},
+          {"long", FrameFault::Long}, {"end-inside", FrameFault::EndInside}};
+      for (const auto& entry : kFaults)
+        if (command.Word == entry.first) fault_ = entry.second;
+      break;
+    }
     default: break;
   }
 }

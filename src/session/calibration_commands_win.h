@@ -1,0 +1,13 @@
+// The logging screen's commands "Calibration" and "Remove Calibration" of the
+// EM38-MK2, and the end of its calibration as the screen carries it out.
+#pragma once
+
+void CalibrateCommand();
+void RemoveCalibrationCommand();
+
+// The calibration has ended: the speed window and the GPS reader come back,
+// the GPS port is purged of the backlog, and the screen is redrawn.
+void LeaveOffsetCalibrationOnScreen();
+
+// Leaving the session while a calibration still waits for readings.
+void AbandonCalibrationAtExit();
