@@ -9,6 +9,7 @@
 #include "core/swath.h"
 #include "core/variant.h"
 #include "instruments/instrument.h"
+#include "instruments/em38mk2_calibration.h"
 #include "instruments/filter_factor.h"
 #include "map/scale_ticks.h"
 
@@ -240,7 +241,7 @@ const SettingsRow Rows[SETTING_COUNT] = {
     {ROW_DOUBLE, &S.Mk2CalC, NEED_OFFSETS, nullptr},
     {ROW_DOUBLE, &S.Mk2CalD, NEED_OFFSETS, nullptr},
     {ROW_DOUBLE, &S.Mk2CalE, NEED_OFFSETS, nullptr},
-    {ROW_DOUBLE, &S.Mk2CalF, NEED_OFFSETS, nullptr},
+    {ROW_DOUBLE, &S.Mk2CalF, NEED_OFFSETS, TakeOffsetsFromSettings},
     {ROW_INT, &S.BgFileKind, NEED_NONE, nullptr},
     {ROW_INT, &S.BgDrawStyle, NEED_NONE, nullptr},
     {ROW_INT, &S.BgCoordinates, NEED_NONE, nullptr},

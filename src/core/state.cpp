@@ -10,8 +10,13 @@
 #include "gps/nmea_receiver.h"
 #include "gps/position_pipeline.h"
 #include "gps/reading_bucket.h"
+#include "instruments/em38mk2_calibration.h"
+#include "instruments/em38mk2_reader.h"
+#include "instruments/em38mk2_reading.h"
 #include "instruments/em_frame_reader.h"
 #include "instruments/em_text_reading.h"
+#include "instruments/grad601_reader.h"
+#include "instruments/grad601_reading.h"
 #include "instruments/link_supervision.h"
 #include "map/array_footprint.h"
 #include "map/background_files.h"
@@ -67,6 +72,11 @@ void ResetProgramState() {
   ResetRecord(LinkSupervision);
   ResetRecord(FrameReader);
   ResetRecord(EmReadingState);
+  ResetRecord(PbarReader);
+  ResetRecord(GradientHandler);
+  ResetRecord(Mk2Reader);
+  ResetRecord(Mk2Handler);
+  ResetRecord(OffsetCalibration);
   ResetRecord(ProfileMemory);
   ResetRecord(ArrayFootprint);
   ResetMapCanvas();   // releases the pages first

@@ -42,6 +42,9 @@ constexpr int TEXT_LINE_CHARS = 16;    // 15 characters and the terminator
 //   gps/gps_monitor.h:         GpsMonitor
 //   instruments/link_supervision.h: LinkSupervision instruments/em_frame_reader.h: FrameReader
 //   instruments/em_text_reading.h: EmReadingState   map/profile_views.h: ProfileMemory
+//   instruments/grad601_reader.h: PbarReader        instruments/grad601_reading.h: GradientHandler
+//   instruments/em38mk2_reader.h: Mk2Reader         instruments/em38mk2_reading.h: Mk2Handler
+//   instruments/em38mk2_calibration.h: OffsetCalibration
 //   map/array_footprint.h:     ArrayFootprint
 //   map/map_canvas.h:          MapCanvas, TileTable, MapCallPoints
 //   map/live_map.h:            LiveMap, LiveMapCallPoints

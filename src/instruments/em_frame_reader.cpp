@@ -28,13 +28,15 @@ int AudioTick() {
   return FRAME_PLAY_TICK;
 }
 
-int GoodFrame(int start, int length, uint32_t now) {
+}  // namespace
+
+int TakeGoodFrame(const unsigned char* frame, int length, uint32_t now, int (*audioTick)()) {
   Link.LastReadingTick = now;
   Link.ReaderCount = Link.ReaderCount + 1;
-  memcpy(Link.FrameBuffer, FrameReader.Line + start, (size_t)length);
+  memcpy(Link.FrameBuffer, frame, (size_t)length);
   Link.FrameBuffer[length] = 0;
   Link.LastByteTick = now;
-  int what = AudioTick();
+  int what = audioTick();
   // A count past the group's size (a change of cadence under way) also ends the group.
   if (Link.ReaderCount >= Link.ReadingsPerMessage) {
     Link.ReaderCount = 0;
@@ -42,8 +44,6 @@ int GoodFrame(int start, int length, uint32_t now) {
   }
   return what;
 }
-
-}  // namespace
 
 void StartFrameReader() {
   Link.ReaderCount = 0;
@@ -75,7 +75,7 @@ int FrameReaderByte(unsigned char byte, uint32_t now) {
     r.Index = at + 1;
     return 0;
   }
-  const int what = GoodFrame(start, length, now);
+  const int what = TakeGoodFrame(r.Line + start, length, now, AudioTick);
   r.Index = 0;
   return what;
 }

@@ -33,6 +33,11 @@ void StartFrameReader();
 // FRAME_PLAY_TICK bits (play first, then tell).
 int FrameReaderByte(unsigned char byte, uint32_t now);
 
+// A good frame of `length` bytes: both ticks stamped, copied to `FrameBuffer`
+// with a zero behind it, counted; the reader's audio tick asked; the screen
+// told at the end of each group of `ReadingsPerMessage`.
+int TakeGoodFrame(const unsigned char* frame, int length, uint32_t now, int (*audioTick)());
+
 // The reading message of the instrument of this program.
 unsigned FrameReaderMessage();
 

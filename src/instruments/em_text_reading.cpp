@@ -11,6 +11,7 @@
 #include "gps/reading_bucket.h"
 #include "instruments/instrument.h"
 #include "instruments/reading.h"
+#include "instruments/reading_steps.h"
 #include "map/array_footprint.h"
 #include "map/colour_scale.h"
 #include "map/live_map.h"
@@ -60,17 +61,7 @@ char ExpectedDipole(EmStatusForm form) {
 }
 
 void AddProfileRow(ReadingOutcome& out, int row, const EmReading& r, int channel, int secondScale) {
-  out.ProfileOn[row] = r.Valid[channel];
-  out.ProfilePixel[row] = r.Valid[channel] ? ProfilePixelOnScale(r.Values[channel], secondScale) : 0;
-}
-
-void AddBar(ReadingOutcome& out, int window, int index, double value, int secondScale, int channel) {
-  if (out.BarCount >= OUTCOME_BARS) return;
-  BarMove& bar = out.Bars[out.BarCount++];
-  bar.Window = window;
-  bar.Index = index;
-  bar.Pixel = BarPixelOnScale(value, secondScale);
-  bar.Channel = channel;
+  AddProfileCurve(out, row, CURVE_WINDOW_FIRST, row, r.Values[channel], secondScale, r.Valid[channel]);
 }
 
 // The curves and bars of a reading (StripPositions).
@@ -81,7 +72,7 @@ void StripPositions(ReadingOutcome& out, const EmReading& r, EmStatusForm form) 
     for (int c = 0; c < 6; ++c) AddProfileRow(out, c, r, c, 0);
     for (int c = 0; c < 6; ++c) {
       if (!r.Valid[c]) continue;
-      AddBar(out, BAR_WINDOW_Q, 0, r.Values[c], 0, c);
+      AddBarMove(out, BAR_WINDOW_Q, 0, r.Values[c], 0, c);
       break;
     }
     return;
@@ -89,7 +80,7 @@ void StripPositions(ReadingOutcome& out, const EmReading& r, EmStatusForm form) 
   out.ProfileCount = 4;
   for (int c = 0; c < 4; ++c) AddProfileRow(out, c, r, c, c >= 2);
   for (int c = 0; c < 4; ++c)
-    if (r.Valid[c]) AddBar(out, c < 2 ? BAR_WINDOW_Q : BAR_WINDOW_I, c % 2, r.Values[c], c >= 2, c);
+    if (r.Valid[c]) AddBarMove(out, c < 2 ? BAR_WINDOW_Q : BAR_WINDOW_I, c % 2, r.Values[c], c >= 2, c);
 }
 
 int FirstValidChannel(const int valid[]) {
@@ -116,20 +107,6 @@ void FeedColourImage(const EmReading& r, EmStatusForm form) {
   AddClassToBucket(ClassOf(mode == 2 ? r.Inphase : r.Conductivity, second));
 }
 
-void ShowStationTexts(ReadingOutcome& out) {
-  out.StationShown = 1;
-  FormatNarrow(out.StationText, OUTCOME_TEXT, "%-11.2f", Session.CurrentStation);
-  FormatNarrow(out.TotalStationsText, OUTCOME_TEXT, "%-7d", Session.TotalStations);
-}
-
-void ShowElapsed(ReadingOutcome& out) {
-  UpdateSessionClocks();
-  const unsigned long ms = Session.TotalTimeMs;
-  out.TimeShown = 1;
-  FormatNarrow(out.TimeText, OUTCOME_TEXT, "%02d:%02d:%02d", (int)(ms / 3600000UL), (int)(ms / 60000UL % 60UL),
-               (int)(ms / 1000UL % 60UL));
-}
-
 void BlankToRecordEnd() {
   int length = Link.FrameLength;
   if (length < 0) length = 0;
@@ -141,12 +118,7 @@ void BlankToRecordEnd() {
 void LogReading(ReadingOutcome& out) {
   BlankToRecordEnd();
   WriteReadingRecord();
-  if (Session.StationAdvance == 1) Session.CurrentStation += Session.StationIncrement;
-  Session.StationsOnLine += 1;
-  Session.TotalStations += 1;
-  Session.StationAdvance = 1;
-  ShowStationTexts(out);
-  ShowElapsed(out);
+  AdvanceLoggedStation(out, 1);
 }
 
 void ReadingCountText(ReadingOutcome& out) {

@@ -9,8 +9,12 @@
 #include "core/variant.h"
 #include "datafile/header_configuration.h"
 #include "instruments/em38_link_check.h"
+#include "instruments/em38mk2_reader.h"
+#include "instruments/em38mk2_reading.h"
 #include "instruments/em_frame_reader.h"
 #include "instruments/em_text_reading.h"
+#include "instruments/grad601_reader.h"
+#include "instruments/grad601_reading.h"
 #include "instruments/reading.h"
 #include "session/model_status_texts.h"
 
@@ -108,8 +112,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadTimeoutMultiplier = 10, .FrameMs = 91.0, .FrameLength = 9, .ReadingMessage = WM_READING_GRAD601,
                  .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 4,
                  .Supervision = SUPERVISE_PANEL_ONCE, .NullingStateAfterStart = -1, .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0,
-                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
-        .Reading = {.Handle = nullptr, .StartSession = nullptr},
+                 .StartFramer = StartPbarReader, .FramerByte = PbarReaderByte, .CheckLink = nullptr},
+        .Reading = {.Handle = HandleGradientReading, .StartSession = ResetGradientHandler},
         .Views = {.ChannelCount = 1, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -368,8 +372,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadTimeoutMultiplier = 0, .FrameMs = 47.0, .FrameLength = 14, .ReadingMessage = WM_READING_EM38MK2,
                  .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 10,
                  .Supervision = SUPERVISE_EACH_TICK, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 50,
-                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
-        .Reading = {.Handle = nullptr, .StartSession = nullptr},
+                 .StartFramer = StartMk2Reader, .FramerByte = Mk2ReaderByte, .CheckLink = nullptr},
+        .Reading = {.Handle = HandleMk2Reading, .StartSession = ResetMk2Handler},
         .Views = {.ChannelCount = 4, .DisplayCurveCount = 8, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2) | MapMode(4),
                   .ScaleMin = 0, .ScaleMax = 1000, .Scale2Min = 0, .Scale2Max = 1500, .ComponentAtStart = 0,

@@ -10,3 +10,8 @@ void HandleReading(ReadingOutcome& out) {
   handle(out);
 }
 
+
+void PlayReadingTick(ReadingOutcome& out) {
+  out.Sound = READING_TICK_SOUND;
+  out.SoundFlags = SOUND_FLAGS_NO_STOP;
+}

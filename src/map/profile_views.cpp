@@ -1,6 +1,8 @@
 #include "map/profile_views.h"
 
 #include "core/numeric.h"
+#include "instruments/instrument.h"
+#include "instruments/reading.h"
 #include "map/scale_ticks.h"
 #include "session/session_state.h"
 
@@ -27,32 +29,41 @@ int BarPixelOnScale(double value, int secondScale) {
                      : ScalePixel(value, Settings.ScaleMax, Scales.BarScaleFactor);
 }
 
-void PlanProfileStep(const int pixels[], const int on[], int count, ProfileStroke out[]) {
+ProfileStroke PlanProfileStroke(int curve, int pixel, int on) {
+  ProfileStroke stroke;
+  if (curve < 0 || curve >= PROFILE_CHANNELS) return stroke;
   ProfileMemoryRecord& m = ProfileMemory;
-  if (count > PROFILE_CHANNELS) count = PROFILE_CHANNELS;
-  for (int i = 0; i < count; ++i) {
-    out[i] = ProfileStroke();
-    const int isOn = on[i] ? 1 : 0;
-    if (isOn) {
-      out[i].ToY = pixels[i];
-      if (!m.HasPoint[i] || m.LastOn[i] != isOn) {
-        out[i].Kind = STROKE_POINT;
-        out[i].FromY = pixels[i];
-        m.HasPoint[i] = 1;
-      } else {
-        out[i].Kind = STROKE_LINE;
-        out[i].FromY = m.LastPixel[i];
-      }
-      m.LastPixel[i] = pixels[i];
+  const int isOn = on ? 1 : 0;
+  if (isOn) {
+    stroke.ToY = pixel;
+    if (!m.HasPoint[curve] || m.LastOn[curve] != isOn) {
+      stroke.Kind = STROKE_POINT;
+      stroke.FromY = pixel;
+      m.HasPoint[curve] = 1;
+    } else {
+      stroke.Kind = STROKE_LINE;
+      stroke.FromY = m.LastPixel[curve];
     }
-    m.LastOn[i] = isOn;
+    m.LastPixel[curve] = pixel;
   }
+  m.LastOn[curve] = isOn;
+  return stroke;
+}
+
+void PlanProfileStep(const int pixels[], const int on[], int count, ProfileStroke out[]) {
+  if (count > PROFILE_CHANNELS) count = PROFILE_CHANNELS;
+  for (int i = 0; i < count; ++i) out[i] = PlanProfileStroke(i, pixels[i], on[i]);
 }
 
 int BarBase(const ScaleTickTable& ticks, int height) {
   if (ticks.ZeroLineMode < 0) return 0;
   if (ticks.ZeroLineMode == 0) return ticks.Ticks[1];
   return height;
+}
+
+void RememberBarChannel(int window, int index, int channel) {
+  if (window < 0 || window >= BAR_WINDOWS || index < 0 || index >= BARS_PER_WINDOW) return;
+  ProfileMemory.BarChannel[window][index] = channel;
 }
 
 int TakeBarsFresh(int window, const ScaleTickTable& ticks, int height) {
@@ -120,6 +131,35 @@ int PlanMovingBar(int window, int index, int pixel, const ScaleTickTable& ticks,
   m.BarLast[window][index] = p;
   m.BarKept[window][index] = p < 0 ? 0 : p > height ? height : p;
   return n;
+}
+
+int CurveWindowOfSensor(int sensor) {
+  if (!TwoSensorsInUse()) return CURVE_WINDOW_FIRST;
+  return sensor == 0 ? CURVE_WINDOW_UPPER : CURVE_WINDOW_LOWER;
+}
+
+int BarWindowOfSensor(int sensor) {
+  if (TwoSensorsInUse()) return sensor == 0 ? BAR_WINDOW_Q : BAR_WINDOW_I;
+  return Instrument().Views.Bars.Windows == BAR_IN_DECAY ? BAR_WINDOW_DECAY : BAR_WINDOW_Q;
+}
+
+void AddProfileCurve(ReadingOutcome& out, int curve, int window, int pen, double value, int secondScale, int on) {
+  if (curve < 0 || curve >= OUTCOME_PROFILE_CHANNELS) return;
+  out.ProfileStep = 1;
+  if (out.ProfileCount < curve + 1) out.ProfileCount = curve + 1;
+  out.ProfileOn[curve] = on ? 1 : 0;
+  out.ProfilePixel[curve] = on ? ProfilePixelOnScale(value, secondScale) : 0;
+  out.ProfileWindow[curve] = window;
+  out.ProfilePen[curve] = pen;
+}
+
+void AddBarMove(ReadingOutcome& out, int window, int index, double value, int secondScale, int channel) {
+  if (out.BarCount >= OUTCOME_BARS) return;
+  BarMove& bar = out.Bars[out.BarCount++];
+  bar.Window = window;
+  bar.Index = index;
+  bar.Pixel = BarPixelOnScale(value, secondScale);
+  bar.Channel = channel;
 }
 
 int SpeedBarPixels(double speed, double top, double bottom, int width) {

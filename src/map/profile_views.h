@@ -22,6 +22,7 @@ struct ProfileMemoryRecord {
   int BarsFresh[BAR_WINDOWS] = {1, 1, 1};            // next reading clears the window first
   int BarLast[BAR_WINDOWS][BARS_PER_WINDOW] = {};     // last pixel of each bar
   int BarKept[BAR_WINDOWS][BARS_PER_WINDOW] = {};     // clamped pixel for a repaint, -1 none
+  int BarChannel[BAR_WINDOWS][BARS_PER_WINDOW] = {};  // whose colour the bar took
 };
 
 extern ProfileMemoryRecord ProfileMemory;
@@ -45,8 +46,12 @@ struct ProfileStroke {
   int ToY = 0;
 };
 
-// The step for `count` channels, with their pixels and on-flags; updates the
-// memory. A channel that was off last time starts with a point.
+// The stroke of curve `curve` (its place in the profile memory) for its new
+// pixel and on-flag; updates the memory. A curve that was off last time
+// starts with a point.
+ProfileStroke PlanProfileStroke(int curve, int pixel, int on);
+
+// The step for `count` curves, with their pixels and on-flags.
 void PlanProfileStep(const int pixels[], const int on[], int count, ProfileStroke out[]);
 
 // The drawing column of a profile window `width` wide.
@@ -66,9 +71,27 @@ int BarBase(const ScaleTickTable& ticks, int height);
 int PlanMovingBar(int window, int index, int pixel, const ScaleTickTable& ticks, int height, int left,
                   int width, BarRectangle out[2]);
 
+// The bar's colour is that of `channel` until another reading moves it.
+void RememberBarChannel(int window, int index, int channel);
+
 // The first reading after an erase: 1 when the window is to be cleared first
 // (and the bars then start from their base).
 int TakeBarsFresh(int window, const ScaleTickTable& ticks, int height);
+
+// What a reading handler hands to the views: a curve of the profile step and
+// a bar to move, in the windows of the sensor. With two sensors each sensor
+// has its own curve window (the second and third, over each other) and its
+// own bar window (BarQWnd, BarIWnd); with one the first curve window and the
+// bar window of the row's plan.
+struct ReadingOutcome;
+int CurveWindowOfSensor(int sensor);
+int BarWindowOfSensor(int sensor);
+// Curve `curve` of the step: the value on scale 1 or 2, drawn in `window`
+// with the pen of `pen`; an `on` of 0 leaves the curve out of this step.
+void AddProfileCurve(ReadingOutcome& out, int curve, int window, int pen, double value, int secondScale, int on);
+// A bar to move: its window and place, the value on scale 1 or 2 of the
+// bars, the channel whose colour it takes.
+void AddBarMove(ReadingOutcome& out, int window, int index, double value, int secondScale, int channel);
 
 // The pixel of the speed bar: trunc((top - speed) * width / (top - bottom)).
 int SpeedBarPixels(double speed, double top, double bottom, int width);

@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr int NUMBERS_RIGHT_MARGIN = 10;   // right-aligned values end this far from the edge
+
 int WindowHeight(HWND window) {
   RECT r;
   GetClientRect(window, &r);
@@ -75,8 +77,12 @@ const ScaleTickTable& TicksOfWindow(int windowId) {
   return BarTicks(BarWindowOfId(windowId));
 }
 
-void ProfileScroll(HWND curve, const int pixels[], const int on[], int count, const ScaleTickTable& ticks) {
-  if (!curve) return;
+namespace {
+
+// ProfileScroll: the window's picture two pixels to the left, the drawing
+// column wiped, the scale lines continued, then the strokes of the window's
+// curves, each in its pen.
+void ProfileScroll(HWND curve, const ReadingOutcome& out, int window, const ScaleTickTable& ticks) {
   HDC dc = GetDC(curve);
   if (!dc) return;
   const int w = WindowWidth(curve), h = WindowHeight(curve);
@@ -88,12 +94,12 @@ void ProfileScroll(HWND curve, const int pixels[], const int on[], int count, co
     LineTo(dc, x, h);
   }
   ScaleLines(dc, ticks, c - 1, c + 2);
-  ProfileStroke strokes[PROFILE_CHANNELS];
-  PlanProfileStep(pixels, on, count, strokes);
-  for (int i = 0; i < count && i < PROFILE_CHANNELS; ++i) {
-    const ProfileStroke& s = strokes[i];
+  for (int i = 0; i < out.ProfileCount && i < OUTCOME_PROFILE_CHANNELS; ++i) {
+    if (out.ProfileWindow[i] != window) continue;
+    const ProfileStroke s = PlanProfileStroke(i, out.ProfilePixel[i], out.ProfileOn[i]);
     if (s.Kind == STROKE_NONE) continue;
-    SelectObject(dc, Tools.PenProfile[i % 8]);
+    const int pen = out.ProfilePen[i];
+    SelectObject(dc, Tools.PenProfile[pen >= 0 && pen < 8 ? pen : i % 8]);
     if (s.Kind == STROKE_POINT) {
       MoveToEx(dc, c, s.ToY, nullptr);
       LineTo(dc, c + 1, s.ToY);
@@ -104,6 +110,18 @@ void ProfileScroll(HWND curve, const int pixels[], const int on[], int count, co
   }
   SelectObject(dc, oldPen);
   ReleaseDC(curve, dc);
+}
+
+}  // namespace
+
+void ProfileStep(const ReadingOutcome& out) {
+  bool used[CURVE_WINDOW_COUNT] = {};
+  for (int i = 0; i < out.ProfileCount && i < OUTCOME_PROFILE_CHANNELS; ++i)
+    if (out.ProfileWindow[i] >= 0 && out.ProfileWindow[i] < CURVE_WINDOW_COUNT) used[out.ProfileWindow[i]] = true;
+  for (int window = 0; window < CURVE_WINDOW_COUNT; ++window) {
+    HWND curve = LoggingWindows.Curves[window];
+    if (used[window] && curve && IsWindowVisible(curve)) ProfileScroll(curve, out, window, Scales.ProfileTicks);
+  }
 }
 
 namespace {
@@ -130,6 +148,7 @@ void MoveBarsOfWindow(const ReadingOutcome& out, int bars) {
     if (move.Window != bars) continue;
     const int index = move.Index >= 0 && move.Index < 4 ? move.Index : 0;
     BarRectangle rects[2];
+    RememberBarChannel(bars, index, move.Channel);
     const int n = PlanMovingBar(bars, index, move.Pixel, ticks, h, L.BarLeft[index], L.BarWidth, rects);
     for (int k = 0; k < n; ++k) FillBar(dc, rects[k], move.Channel);
   }
@@ -161,8 +180,16 @@ void ShowNumbers(HWND numbers, const ReadingOutcome& out) {
   HGDIOBJ oldFont = SelectObject(dc, Fonts.FontText);
   const int pitch = LoggingLayout.PanelRowPitch > 0 ? LoggingLayout.PanelRowPitch : 16;
   for (int i = 0; i < out.NumberLineCount && i < OUTCOME_NUMBER_LINES; ++i) {
+    const int y = 4 + i * pitch;
+    if (out.NumberLabels[i]) {
+      SelectObject(dc, Fonts.FontText);
+      SetTextColor(dc, RGB(0, 0, 255));
+      DrawNarrowTextAt(dc, 4, y, out.NumberLabels[i]);
+      SetTextColor(dc, RGB(0, 0, 0));
+    }
     SelectObject(dc, out.NumberBold[i] ? Fonts.FontTextBold : Fonts.FontText);
-    DrawNarrowTextAt(dc, 4, 4 + i * pitch, out.NumberLines[i]);
+    if (out.NumbersRightAligned) DrawNarrowTextAt(dc, all.right - NUMBERS_RIGHT_MARGIN, y, out.NumberLines[i], TA_RIGHT | TA_TOP);
+    else DrawNarrowTextAt(dc, 4, y, out.NumberLines[i]);
   }
   SelectObject(dc, oldFont);
   ReleaseDC(numbers, dc);
@@ -186,7 +213,7 @@ void PaintReadoutWindow(HWND window, HDC dc) {
     for (int b = 0; b < L.BarCount && b < 4; ++b) {
       const int kept = ProfileMemory.BarKept[bars][b];
       if (kept < 0) continue;
-      const int channel = bars == BAR_WINDOW_I ? 2 + b : b;
+      const int channel = ProfileMemory.BarChannel[bars][b];
       BarRectangle r{0, L.BarLeft[b], kept < base ? kept : base, L.BarLeft[b] + L.BarWidth, kept < base ? base : kept};
       FillBar(dc, r, channel);
     }

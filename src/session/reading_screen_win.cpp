@@ -14,7 +14,9 @@
 #include "instruments/em_text_reading.h"
 #include "instruments/link_supervision_win.h"
 #include "instruments/reading.h"
+#include "core/settings.h"
 #include "map/profile_views_win.h"
+#include "session/calibration_commands_win.h"
 #include "session/logging_layout.h"
 #include "session/logging_screen_win.h"
 #include "session/session_dialogs_win.h"
@@ -24,6 +26,7 @@ ReadingTextsShownRecord ReadingTextsShown;
 namespace {
 
 constexpr int WARNING_BOX = 12;   // side of a warning box beside the numbers
+constexpr UINT CALIBRATION_BEEP = 0x30;
 
 // A text is drawn only when it differs from what its place shows: most of
 // them stand still from one reading to the next.
@@ -111,12 +114,16 @@ bool AnyScreenText(const ReadingOutcome& out) {
 
 void ApplyReadingOutcome(HWND screen, const ReadingOutcome& out) {
   if (out.EndLostLink) EndLostLinkNotice(screen);
-  if (out.ProfileStep && LoggingWindows.Curves[0] && IsWindowVisible(LoggingWindows.Curves[0]))
-    ProfileScroll(LoggingWindows.Curves[0], out.ProfilePixel, out.ProfileOn, out.ProfileCount, Scales.ProfileTicks);
+  if (out.ProfileStep) ProfileStep(out);
   if (out.BarCount) MovingBars(out);
   if (out.NumbersShown) ShowNumbers(LoggingWindows.Numbers, out);
   if (AnyScreenText(out)) DrawScreenTexts(screen, out);
+  if (out.PromptShown) DrawCalibrationPrompt(screen, out.PromptText);
   if (out.Sound) PlaySoundW(out.Sound, Windows.Instance, out.SoundFlags);
+  if (out.SaveSettings) LoadSettings(SETTINGS_SAVE);
+  if (out.BeepBeforeLeaving) MessageBeep(CALIBRATION_BEEP);
+  if (out.Leaving == CALIBRATION_LEAVE) LeaveOffsetCalibrationOnScreen();
+  if (out.BeepAfterLeaving) MessageBeep(CALIBRATION_BEEP);
 }
 
 }  // namespace

@@ -25,6 +25,7 @@
 #include "instruments/link_supervision_win.h"
 #include "instruments/serial_ports_win.h"
 #include "map/map_canvas.h"
+#include "session/calibration_commands_win.h"
 #include "session/commands.h"
 #include "session/logging_screen_win.h"
 #include "session/recording.h"
@@ -78,6 +79,7 @@ int ExitLogging(int withoutQuestion) {
     }
   }
   if (Settings.InstrumentEnabled > 0) KillTimer(Windows.ScreenLog, SESSION_TIMER_ID);
+  AbandonCalibrationAtExit();
   StopLinks();
   if (DataFileState.DataFile != NO_HANDLE) {
     CloseHandle((HANDLE)DataFileState.DataFile);
@@ -437,6 +439,8 @@ void RunCommand(int code) {
     case CMD_CHANNEL_1: case CMD_CHANNEL_1 + 1: case CMD_CHANNEL_1 + 2: case CMD_CHANNEL_1 + 3:
       ChannelCommand(code);
       break;
+    case CMD_CALIBRATE: CalibrateCommand(); break;
+    case CMD_REMOVE_CALIBRATION: RemoveCalibrationCommand(); break;
     default: break;  // dialogs of alarms come later
   }
 }

@@ -9,11 +9,11 @@ corner sets, "PAUSED" and the comment. Two programs also log GLL and the RTS
 pseudo-GGA; one EM31-MK2 run with its instrument on writes line, station and
 comment records; a program killed while Logging leaves only whole records."""
 import os
-import re
 import subprocess
 import time
 
 import harness
+import sent_log
 import test_session_start as session
 
 GPS_COM = 6
@@ -42,14 +42,7 @@ def record_length(program):
 def sent_sentences(log_path):
     """The sentences the simulator sent on the GPS line, in order."""
     out = []
-    if not os.path.exists(log_path):
-        return out
-    for line in open(log_path, "rb").read().decode("latin-1").splitlines():
-        parts = line.split(" ", 2)
-        if len(parts) < 3 or parts[1] != "gps":
-            continue
-        raw = re.sub(r"\\x([0-9a-fA-F]{2})", lambda m: chr(int(m.group(1), 16)),
-                     parts[2].replace("\\r", "\r").replace("\\n", "\n").replace("\\\\", "\\"))
+    for _, raw in sent_log.messages(log_path, "gps"):
         for piece in raw.split("\n"):
             piece = piece.strip("\r")
             if piece.startswith("$"):

@@ -83,6 +83,13 @@ bool ParseArguments(std::istringstream& words, const std::string& name, Command&
       words >> command.Word;
       if (command.Word.empty()) error = "model needs a name";
       return error.empty();
+    case CommandKind::Fault: {
+      static const char* const kFaults[] = {"no-end", "short", "letters", "long", "end-inside"};
+      words >> command.Word;
+      if (std::none_of(std::begin(kFaults), std::end(kFaults), [&](const char* f) { return command.Word == f; }))
+        error = "fault needs no-end, short, letters, long or end-inside";
+      return error.empty();
+    }
     default:
       return true;
   }
@@ -99,6 +106,7 @@ bool ParseCommand(const std::string& line, Command& command, std::string& error)
       {"hold", CommandKind::Hold},             {"dipole", CommandKind::Dipole},
       {"separation", CommandKind::Separation}, {"model", CommandKind::Model},
       {"bad-cr", CommandKind::BadCr},          {"letters", CommandKind::Letters},
+      {"fault", CommandKind::Fault},
       {"quit", CommandKind::Quit}};
   std::istringstream words(line);
   std::string name;

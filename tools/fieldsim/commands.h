@@ -14,6 +14,7 @@
 //   bad-cr                      the next frame gets one character too many before its CR
 //   letters                     the next frame has letters where digits belong
 //   overlong instrument N       N characters without CR on the instrument line
+//   fault KIND                  Grad601, EM38-MK2: the next message spoilt (no-end, short, letters, long, end-inside)
 //   quit
 // A script line is "at SECONDS COMMAND"; blank lines and '#' lines are skipped.
 #pragma once
@@ -27,7 +28,7 @@ enum class Target { Gps, Instrument };
 
 enum class CommandKind {
   Quiet, Garbage, Overlong, DollarMid, BadChecksum, LowerChecksum, Close, Marker, Hold, Dipole, Separation,
-  Model, BadCr, Letters, Quit
+  Model, BadCr, Letters, Fault, Quit
 };
 
 struct Command {
@@ -35,7 +36,7 @@ struct Command {
   Target Stream = Target::Gps;
   double Amount = 0.0;        // seconds for quiet, bytes for garbage and overlong
   bool WithLineEnd = false;   // overlong ... lf
-  std::string Word;           // dipole v|h, model name
+  std::string Word;           // dipole v|h, model name, fault kind
 };
 
 struct TimedCommand {

@@ -47,6 +47,8 @@ double FramePeriodMs(InstrumentModel model) {
     case InstrumentModel::Em34: return 55.078211059704785;
     case InstrumentModel::Em38Short: return 72.0;
     case InstrumentModel::Em38Long: return 91.0;
+    case InstrumentModel::Grad601: return 91.0;
+    case InstrumentModel::Em38Mk2: return 47.0;
   }
   return 100.0;
 }

@@ -7,7 +7,7 @@
 
 namespace fieldsim {
 
-enum class InstrumentModel { Em31, Em34, Em38Short, Em38Long };
+enum class InstrumentModel { Em31, Em34, Em38Short, Em38Long, Grad601, Em38Mk2 };
 
 struct InstrumentSetup {
   InstrumentModel Model = InstrumentModel::Em31;
@@ -17,6 +17,9 @@ struct InstrumentSetup {
   bool Inphase = false;     // EM38: the frame carries the inphase component
   bool HighBit = false;     // EM38: the "divide by 8" range bit; all: see StatusByte
   bool StatusBit7 = false;  // set bit 7 of the status byte as well
+  int Sensors = 2;          // Grad601: one or two sensors
+  int Coils = 2;            // EM38-MK2: two coil pairs ("EM38-MK2") or one ("EM38-MK2-1")
+  double Celsius = 20.0;    // EM38-MK2: the temperature words
 };
 
 // Milliseconds between frames: EM31-MK2 95.238, EM34-3 55.078, EM38 72 (7-byte

@@ -42,6 +42,11 @@ Instrument:
   --inphase             EM38: frames carry the inphase instead of conductivity
   --divide-by-8         EM38: set the status bit that divides the factor by 8
   --status-bit7         set bit 7 of the status byte as well
+  --model grad601       Grad601 "$PBAR" sentences every 91 ms, --sensors 1|2
+                        (default 2)
+  --model em38mk2       EM38-MK2 binary frames every 47 ms at 19200 baud,
+                        --coils 2|1 (default 2: "EM38-MK2", 1: "EM38-MK2-1"),
+                        --temperature C (default 20)
   --marker-every SEC    press the button for one frame every SEC seconds
 
 The walk (values come from a synthetic ground: a conductivity trend and a
@@ -91,6 +96,11 @@ Commands on standard input, one a line (also in --script after "at SEC"):
                         its CR
   letters               the next frame has letters where digits belong
   overlong instrument N N digits without CR on the instrument line
+  fault no-end|short|letters|long|end-inside
+                        Grad601, EM38-MK2: spoil the next message: no CR
+                        (Grad601) or no end pair (EM38-MK2); a line one byte
+                        short; letters in a value; a line of 140 characters;
+                        0xFF 0xFF in the data words
   quit
 
 Examples:

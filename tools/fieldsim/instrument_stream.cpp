@@ -51,9 +51,35 @@ bool InstrumentStream::MarkerDue(long frame) {
   return std::floor(t / every) != std::floor((t - periodSeconds_) / every);
 }
 
+// The gradient of each sensor: the ground's inphase response as nT/m, the
+// second sensor a metre to the east of the first.
+std::string InstrumentStream::GradientSentence(const LocalPoint& at) {
+  const LocalPoint east{at.East + 1.0, at.North};
+  const double first = ground_.Inphase(at, 0.5) * 10.0;
+  const double second = ground_.Inphase(east, 0.5) * 10.0;
+  return BuildPbarSentence(setup_.Sensors, first, second, fault_);
+}
+
+// The first coil pair (1 m) looks deeper than the second (0.5 m); the
+// horizontal dipole reads shallower than the vertical.
+std::string InstrumentStream::Mk2Frame(const LocalPoint& at, bool marker) {
+  const double dipole = setup_.Vertical ? 1.0 : 0.75;
+  const double c1 = ground_.Conductivity(at, 0.6 * dipole);
+  const double i1 = ground_.Inphase(at, 0.6 * dipole);
+  const double c2 = ground_.Conductivity(at, 0.3 * dipole) * 0.8;
+  const double i2 = ground_.Inphase(at, 0.3 * dipole) * 0.5;
+  return BuildMk2Frame(setup_.Vertical, marker, setup_.Coils, c1, i1, c2, i2, setup_.Celsius, fault_);
+}
+
 void InstrumentStream::SendFrame(long frame) {
   const double t = static_cast<double>(frame) * periodSeconds_;
   const LocalPoint at = walk_.PositionAt(t);
+  if (setup_.Model == InstrumentModel::Grad601 || setup_.Model == InstrumentModel::Em38Mk2) {
+    const bool marker = MarkerDue(frame);
+    port_.Send(setup_.Model == InstrumentModel::Grad601 ? GradientSentence(at) : Mk2Frame(at, marker));
+    fault_ = FrameFault::None;
+    return;
+  }
   const double conductivity = ground_.Conductivity(at, DepthScale());
   const double inphase = ground_.Inphase(at, DepthScale());
   const bool marker = MarkerDue(frame);
@@ -101,6 +127,14 @@ void InstrumentStream::Apply(const Command& command, double now) {
     case CommandKind::Separation: setup_.Separation = static_cast<int>(command.Amount); break;
     case CommandKind::BadCr: badCrPending_ = true; break;
     case CommandKind::Letters: lettersPending_ = true; break;
+    case CommandKind::Fault: {
+      static const std::pair<const char*, FrameFault> kFaults[] = {
+          {"no-end", FrameFault::NoEnd}, {"short", FrameFault::Short}, {"letters", FrameFault::Letters},
+          {"long", FrameFault::Long}, {"end-inside", FrameFault::EndInside}};
+      for (const auto& entry : kFaults)
+        if (command.Word == entry.first) fault_ = entry.second;
+      break;
+    }
     case CommandKind::Model: {
       InstrumentModel model;
       if (!ParseModel(command.Word, model)) break;

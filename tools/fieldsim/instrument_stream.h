@@ -7,6 +7,7 @@
 
 #include "commands.h"
 #include "em_frames.h"
+#include "gradient_mk2_frames.h"
 #include "ground.h"
 #include "options.h"
 #include "serial_port.h"
@@ -21,13 +22,16 @@ class InstrumentStream {
 
   void Tick(double now);
   double NextDeadline() const;
-  // quiet, garbage, overlong, marker, hold, dipole, separation, model, bad-cr, letters.
+  // quiet, garbage, overlong, marker, hold, dipole, separation, model, bad-cr, letters, fault.
   void Apply(const Command& command, double now);
 
  private:
   double FrameTime(long frame) const { return startMono_ + static_cast<double>(frame) * periodSeconds_; }
   bool MarkerDue(long frame);
   void SendFrame(long frame);
+  // The Grad601 sentence and the EM38-MK2 frame at a point of the walk.
+  std::string GradientSentence(const LocalPoint& at);
+  std::string Mk2Frame(const LocalPoint& at, bool marker);
   // How deep the instrument looks, relative to the EM31-MK2.
   double DepthScale() const;
 
@@ -45,6 +49,7 @@ class InstrumentStream {
   bool badCrPending_ = false;
   bool lettersPending_ = false;
   InstrumentSetup setup_;         // as the options say, then as the commands change it
+  FrameFault fault_ = FrameFault::None;
 };
 
 }  // namespace fieldsim

@@ -77,6 +77,9 @@ ParseResult ParseOptions(int argc, char** argv, Options& o, std::string& error) 
          return ToInteger(v, o.Instrument.Separation) &&
                 (o.Instrument.Separation == 10 || o.Instrument.Separation == 20 || o.Instrument.Separation == 40);
        }},
+      {"--sensors", [&](const std::string& v) { return ToInteger(v, o.Instrument.Sensors) && InRange(o.Instrument.Sensors, 1, 2); }},
+      {"--coils", [&](const std::string& v) { return ToInteger(v, o.Instrument.Coils) && InRange(o.Instrument.Coils, 1, 2); }},
+      {"--temperature", [&](const std::string& v) { return ToNumber(v, o.Instrument.Celsius) && InRange(o.Instrument.Celsius, -50.0, 100.0); }},
       {"--marker-every", [&](const std::string& v) { return ToNumber(v, o.MarkerEverySeconds) && o.MarkerEverySeconds >= 0.0; }},
       {"--origin", [&](const std::string& v) { return ParseOrigin(v, o.Origin); }},
       {"--lines", [&](const std::string& v) { return ToInteger(v, o.Lines) && InRange(o.Lines, 1, 10000); }},
@@ -131,7 +134,9 @@ bool ParseModel(const std::string& text, InstrumentModel& model) {
   static const std::map<std::string, InstrumentModel> kModels = {{"em31", InstrumentModel::Em31},
                                                                  {"em34", InstrumentModel::Em34},
                                                                  {"em38-7", InstrumentModel::Em38Short},
-                                                                 {"em38-12", InstrumentModel::Em38Long}};
+                                                                 {"em38-12", InstrumentModel::Em38Long},
+                                                                 {"grad601", InstrumentModel::Grad601},
+                                                                 {"em38mk2", InstrumentModel::Em38Mk2}};
   const auto found = kModels.find(text);
   if (found == kModels.end()) return false;
   model = found->second;

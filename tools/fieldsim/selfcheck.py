@@ -445,6 +445,80 @@ def run_instrument(binary, directory, model, extra=(), dipole="V", separation=20
     print("ok  " if not FAILURES else "..  ", name, "- %d frames, period %.2f ms" % (len(frames), period))
 
 
+# ------------------------------------------------------------------ Grad601 and EM38-MK2
+
+def run_gradiometer(binary, directory):
+    name = "instrument grad601 --sensors 2, faults"
+    pair = PtyPair(directory, "em")
+    reader = Reader(pair.app)
+    log = os.path.join(directory, "grad.log")
+    process = start_fieldsim(binary, ["--instrument", pair.sim, "--model", "grad601", "--sensors", "2"], log)
+    reader.pump(0.6)
+    for fault in ("short", "no-end", "letters", "long"):
+        send(process, "fault " + fault)
+        reader.pump(0.25)
+    reader.pump(0.5)
+    finish(process, name)
+    reader.pump(0.2)
+    reader.close()
+    pair.stop()
+    lines = reader.data().split(b"\n")[:-1]
+    good = [l for l in lines if re.fullmatch(rb"\$PBAR,[+-]\d+\.\d,[+-]\d+\.\d\r", l)]
+    odd = [l for l in lines if l not in good]
+    check(b"$PBAR,1\r" in odd, name + ": the short line")
+    check(any(l.startswith(b"$PBAR,") and not l.endswith(b"\r") for l in odd), name + ": the line without CR")
+    check(any(b"x" in l for l in odd), name + ": the line with letters")
+    check(any(len(l) == 141 for l in odd), name + ": the line of 140 characters")
+    check(len(odd) == 4, name + ": four bad lines, got %r" % odd)
+    sent = [ms for ms, stream, _ in read_log(log) if stream == "instrument"]
+    period = (sent[-1] - sent[0]) / (len(sent) - 1)
+    check(abs(period - 91.0) < 1.0, "%s: period %.2f ms, expected 91" % (name, period))
+    print("ok  " if not FAILURES else "..  ", name, "- %d sentences, period %.2f ms" % (len(lines), period))
+
+
+def mk2_word(frame, offset):
+    return (frame[offset] << 8) | frame[offset + 1]
+
+
+def run_em38mk2(binary, directory):
+    name = "instrument em38mk2 --coils 1, dipole, marker, faults"
+    pair = PtyPair(directory, "em")
+    reader = Reader(pair.app)
+    log = os.path.join(directory, "mk2.log")
+    process = start_fieldsim(binary, ["--instrument", pair.sim, "--model", "em38mk2", "--coils", "1",
+                                      "--temperature", "23.5"], log)
+    reader.pump(0.5)
+    send(process, "dipole h")
+    reader.pump(0.3)
+    send(process, "marker")
+    reader.pump(0.3)
+    send(process, "fault no-end")
+    reader.pump(0.3)
+    send(process, "fault end-inside")
+    reader.pump(0.3)
+    finish(process, name)
+    reader.close()
+    pair.stop()
+    data = reader.data()
+    frames = [data[i:i + 16] for i in range(0, len(data) - 15) if data[i:i + 1] == b"T" and
+              data[i + 14:i + 16] == b"\xff\xff" and (i + 16 == len(data) or data[i + 16:i + 17] == b"T")]
+    statuses = [f[1] for f in frames]
+    check(statuses[:3] == [6, 6, 6], name + ": vertical frames first: %r" % statuses[:3])
+    check(2 in statuses and 3 in statuses, name + ": horizontal frames and a marker in them")
+    check(all(mk2_word(f, 2) == 0x8000 and mk2_word(f, 4) == 0x8000 for f in frames if f[2:4] != b"\xff\xff"),
+          name + ": one coil pair: the second pair's words hold 0x8000")
+    celsius = mk2_word(frames[0], 10) * 100 / 13107 - 50
+    check(abs(celsius - 23.5) < 0.01, name + ": temperature word reads %.2f" % celsius)
+    sent = [text for _, stream, text in read_log(log) if stream == "instrument"]
+    check(sum(1 for t in sent if not t.endswith("\\xFF\\xFF")) == 1, name + ": one frame without its end pair")
+    check(sum(1 for t in sent if t.startswith("T\\x02\\xFF\\xFF\\xFF\\xFF")) == 1,
+          name + ": one frame with 0xFF pairs in its data")
+    times = [ms for ms, stream, _ in read_log(log) if stream == "instrument"]
+    period = (times[-1] - times[0]) / (len(times) - 1)
+    check(abs(period - 47.0) < 1.0, "%s: period %.2f ms, expected 47" % (name, period))
+    print("ok  " if not FAILURES else "..  ", name, "- %d frames, period %.2f ms" % (len(frames), period))
+
+
 # ------------------------------------------------------------------ faults
 
 def run_gps_faults(binary, directory):
@@ -622,6 +696,8 @@ def main():
         run_instrument(binary, directory, "em34", ["--separation", "40"], separation=40)
         run_instrument(binary, directory, "em38-7")
         run_instrument(binary, directory, "em38-12", ["--range", "3"])
+        run_gradiometer(binary, directory)
+        run_em38mk2(binary, directory)
         run_gps_faults(binary, directory)
         run_instrument_faults(binary, directory)
         run_instrument_changes(binary, directory)

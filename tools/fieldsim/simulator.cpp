@@ -60,7 +60,8 @@ void Simulator::CreateLinks() {
     gps_ = std::make_unique<GpsStream>(options_, *walk_, *gpsPort_, random_, startMono_);
   }
   if (!options_.InstrumentPath.empty()) {
-    instrumentPort_ = std::make_unique<SerialPort>("instrument", options_.InstrumentPath, 9600, options_.Pace, log_,
+    instrumentPort_ = std::make_unique<SerialPort>("instrument", options_.InstrumentPath,
+                                                   options_.Instrument.Model == InstrumentModel::Em38Mk2 ? 19200 : 9600, options_.Pace, log_,
                                                    options_.Verbose);
     instrument_ = std::make_unique<InstrumentStream>(options_, *walk_, *ground_, *instrumentPort_, random_, startMono_);
   }
@@ -165,7 +166,7 @@ void Simulator::Execute(const Command& command, const std::string& text, double 
   const bool instrumentOnly = command.Kind == CommandKind::Marker || command.Kind == CommandKind::Hold ||
                               command.Kind == CommandKind::Dipole || command.Kind == CommandKind::Separation ||
                               command.Kind == CommandKind::Model || command.Kind == CommandKind::BadCr ||
-                              command.Kind == CommandKind::Letters;
+                              command.Kind == CommandKind::Letters || command.Kind == CommandKind::Fault;
   const bool forInstrument = instrumentOnly ||
                              ((command.Kind == CommandKind::Quiet || command.Kind == CommandKind::Garbage ||
                                command.Kind == CommandKind::Close || command.Kind == CommandKind::Overlong) &&

@@ -1,0 +1,226 @@
+#!/usr/bin/env python3
+"""EM38-MK2 surveys end to end at 19200 baud: Kelvo38MK2 with both coil pairs
+and Lum38MK2 with one. Offsets stored in the settings stand in the header's
+"O1".."O6" records. A calibration is driven by keys ("&Menu", "Ca&libration",
+YES; the simulator held vertical, then turned horizontal), and its "O1".."O6"
+records hold the offsets computed from the frames the simulator sent, with
+the stored ones as the previous values; Remove Calibration writes zeros with
+the computed ones as previous. In the one-coil run the instrument first falls
+silent during a calibration, which fails and writes nothing. While Logging
+the simulator sends frames without their end pair, 0xFF pairs inside the
+data, random bytes, and falls silent: every reading record is a frame it
+sent, none lost between the first and the last, with "1CONN BRK 1" for the
+silence."""
+import os
+import subprocess
+import time
+
+import harness
+import sent_log
+import test_gps_survey as survey
+import test_session_start as session
+import test_settings
+
+INSTRUMENT_COM = 4
+LINE_GPS_INPUT = 36
+LINE_TYPE = 14
+LINE_FIRST_OFFSET = 75
+STORED = [1.5, -2.25, 0.125, 0.25, -0.5, 0.75]
+
+
+def sample_interval_line():
+    """The line of the time between readings: one frame's 47 ms keeps every frame."""
+    lines = test_settings.EM38MK2
+    for i in range(len(lines) - 4):
+        if lines[i:i + 4] == ["1.000000", "0.200000", "2.000000", "0.200000"]:
+            return i + 4
+    raise RuntimeError("no sample interval line")
+
+
+def send(sim, text):
+    sim.stdin.write((text + "\n").encode())
+    sim.stdin.flush()
+
+
+def word_value(high, low):
+    return (((high << 8) | low) * 5 / 1024.0 - 160.0) * 8.0
+
+
+def decode(frame):
+    """Raw values with zero offsets: dipole, C1, I1, C2, I2."""
+    b = [ord(c) for c in frame]
+    return ("H" if b[1] < 4 else "V", word_value(b[6], b[7]), word_value(b[8], b[9]) * 0.028819,
+            word_value(b[2], b[3]), word_value(b[4], b[5]) * 0.00720475)
+
+
+def sent_frames(log_path):
+    """(ms, 14 bytes) of each whole frame the simulator sent."""
+    return [(ms, raw[:14]) for ms, raw in sent_log.messages(log_path, "instrument")
+            if len(raw) == 16 and raw[0] in "Tt" and raw.endswith("\xff\xff")]
+
+
+def offsets_records(recs):
+    """Each run of six "O1".."O6" records as six (current, previous) pairs."""
+    runs = []
+    for i, r in enumerate(recs):
+        if r[0:2] == b"O1" and [x[0:2] for x in recs[i:i + 6]] == [b"O%d" % k for k in range(1, 7)]:
+            runs.append([(float(x[2:12]), float(x[13:23])) for x in recs[i:i + 6]])
+    return runs
+
+
+def expected_offsets(frames, coils):
+    """The offsets a calibration over these frames computes: vertical and
+    horizontal means of the raw values (the walk is slow, so any 30 of them
+    give the same means within the noise)."""
+    v = [decode(f) for f in frames if decode(f)[0] == "V"]
+    h = [decode(f) for f in frames if decode(f)[0] == "H"]
+    if not v or not h:
+        return None
+    mean = lambda rows, k: sum(r[k] for r in rows) / len(rows)
+    o = [mean(v, 1) - 2 * mean(h, 1), mean(v, 3) - 2 * mean(h, 3), mean(v, 2), mean(v, 4), mean(h, 2), mean(h, 4)]
+    if coils == 1:
+        o[1] = o[3] = o[5] = 0.0
+    return o
+
+
+def menu_command(box, window, letter):
+    box.key(window, "m")
+    time.sleep(1.0)
+    box.xdotool(["key", letter])
+
+
+def calibrate(box, sim, window, what, silent=False):
+    """"Ca&libration" from the menu, YES; the simulator vertical, then horizontal."""
+    send(sim, "dipole v")
+    menu_command(box, window, "l")
+    ok = survey.answer(box, "CALIBRATION")
+    started = time.time()
+    if silent:
+        send(sim, "quiet instrument 4")
+        time.sleep(6.5)
+        return ok, started
+    time.sleep(3.0)
+    send(sim, "dipole h")
+    time.sleep(7.0)
+    return ok, started
+
+
+def run(checks, program, coils):
+    name = "%s-%d" % (program, coils)
+    with harness.Sandbox("em38mk2-" + name) as box:
+        path = session.first_start(box, program)
+        changes = {LINE_GPS_INPUT: 0, LINE_TYPE: 0 if coils == 2 else 1, sample_interval_line(): "0.047000"}
+        for i, value in enumerate(STORED):
+            changes[LINE_FIRST_OFFSET + i] = "%.6f" % value
+        session.edit_settings(path, changes)
+        peer = box.serial_pair(INSTRUMENT_COM)
+        log_path = os.path.join(box.prefix, "sent.log")
+        sim = box.spawn([os.path.join(harness.native_tools_dir(), "fieldsim", "fieldsim"), "--instrument", peer,
+                         "--model", "em38mk2", "--coils", str(coils), "--speed", "0.05", "--temperature", "23.5",
+                         "--log", log_path],
+                        stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        started, window = session.start_program(box, program)
+        box.key(window, "l")
+        if not checks.check(session.control_visible(box, 460, "&File"), name + ": the session starts at 19200 baud"):
+            return
+        folder = "C:\\Survey\\"
+        os.makedirs(box.c_path(folder), exist_ok=True)
+        if not checks.check(survey.create_file(box, window, folder + "MK2"), name + ": \"&File\" brings Stand By"):
+            return
+        if coils == 1:
+            ok, _ = calibrate(box, sim, window, name, silent=True)
+            checks.check(ok, name + ": the calibration box (silent instrument)")
+        ok, calibration_start = calibrate(box, sim, window, name)
+        checks.check(ok, name + ": the calibration box")
+        calibration_end = time.time()
+        box.screenshot("em38mk2-%s-calibrated" % name)
+        send(sim, "dipole v")
+        box.key(window, "g")
+        time.sleep(2)
+        send(sim, "fault no-end")
+        time.sleep(0.3)
+        send(sim, "fault end-inside")
+        time.sleep(0.3)
+        send(sim, "garbage instrument 400")
+        time.sleep(1)
+        send(sim, "marker")
+        time.sleep(1)
+        send(sim, "quiet instrument 1.5")
+        time.sleep(3)
+        box.key(window, "p")
+        session.control_visible(box, 460, "&Go")
+        menu_command(box, window, "r")
+        checks.check(survey.answer(box, "Delete Calibration"), name + ": the removal box")
+        time.sleep(1)
+        box.key(window, "x")
+        checks.check(survey.answer(box, "Confirm Exit"), name + ": \"E&xit\" asks to confirm")
+        checks.check(session.control_visible(box, 420, "&Logging"), name + ": back at the main menu")
+        box.key(window, "x")
+        checks.equal(started.wait(30), 0, name + ": exit code 0")
+        send(sim, "quit")
+        time.sleep(0.5)
+        files = [f for f in os.listdir(box.c_path(folder)) if f.upper().startswith("MK2")]
+        if not checks.check(len(files) == 1, name + ": the data file exists (%s)" % files):
+            return
+        data = open(os.path.join(box.c_path(folder), files[0]), "rb").read()
+        with open(os.path.join(harness.artefact_dir(), "em38mk2-%s.data" % name), "wb") as f:
+            f.write(data)
+        settings = open(path, "rb").read().split(b"\r\n")
+        stored_after = [float(settings[LINE_FIRST_OFFSET - 1 + i]) for i in range(6)]
+        frames = sent_frames(log_path)
+        window_frames = [f for ms, f in frames if calibration_start * 1000 <= ms <= calibration_end * 1000]
+        check_file(checks, name, program, coils, data, frames, window_frames, stored_after, log_path)
+
+
+def check_file(checks, name, program, coils, data, frames, window_frames, stored_after, log_path):
+    what = name + ": "
+    checks.equal(len(data) % 27, 0, what + "whole records of 27 bytes")
+    recs = sent_log.records(data)
+    first = recs[0].decode("latin-1")
+    checks.equal(first[0:9], "KLV38MK2W" if program.startswith("Kelvo") else "LUM382  W", what + "signature")
+    checks.equal(first[19], "2" if coils == 2 else "1", what + "the type in record 1")
+    runs = offsets_records(recs)
+    checks.equal(len(runs), 3, what + "three runs of O1..O6: header, calibration, removal")
+    if len(runs) != 3:
+        return
+    header, calibration, removal = runs
+    checks.check(all(abs(c - s) < 5e-4 and p == 0.0 for (c, p), s in zip(header, STORED)),
+                 what + "the header holds the stored offsets %s" % header)
+    computed = [c for c, _ in calibration]
+    checks.check(all(abs(p - s) < 5e-4 for (_, p), s in zip(calibration, STORED)),
+                 what + "the calibration's previous values are the stored offsets")
+    expected = expected_offsets(window_frames, coils)
+    tolerance = [0.4, 0.4, 0.01, 0.01, 0.01, 0.01]
+    checks.check(expected is not None and all(abs(c - e) <= t for c, e, t in zip(computed, expected, tolerance)),
+                 what + "computed %s, from the frames sent %s" % (
+                     ["%.3f" % c for c in computed], ["%.3f" % e for e in expected or []]))
+    if coils == 1:
+        checks.check(computed[1] == 0.0 and computed[3] == 0.0 and computed[5] == 0.0,
+                     what + "one coil pair: O2, O4, O6 are 0")
+    checks.check(all(c == 0.0 and abs(p - k) < 5e-4 for (c, p), k in zip(removal, computed)),
+                 what + "removal: zeros, the computed offsets as previous")
+    checks.check(all(v == 0.0 for v in stored_after), what + "the settings hold zeros after the removal")
+    readings = [r for r in recs if chr(r[0]) in "Tt"]
+    texts = [r[0:14].decode("latin-1") for r in readings]
+    sent = [f for _, f in frames]
+    checks.check(len(readings) > 100, what + "%d reading records" % len(readings))
+    checks.check(sent_log.longest_run_match(texts, sent),
+                 what + "the %d readings are the simulator's frames, in order, none lost" % len(texts))
+    checks.check(all(r[14:16] == b"  " for r in readings), what + "two blanks before the tick")
+    checks.check(any(r[1] == 7 for r in readings), what + "the marker press is logged")
+    breaks = [r for r in recs if r[0:12] == b"X1CONN BRK 1"]
+    checks.check(len(breaks) >= 2, what + "%d \"1CONN BRK 1\" remarks during the silence" % len(breaks))
+    messages = sent_log.messages(log_path, "instrument")
+    harness.log("%s: records by tag %s; messages sent %d (whole frames %d), readings logged %d; calibration offsets %s" %
+                (name, sent_log.tag_counts(recs), len(messages), len(frames), len(readings), computed))
+
+
+def main():
+    checks = harness.Checks()
+    run(checks, "Kelvo38MK2", 2)
+    run(checks, "Lum38MK2", 1)
+    checks.finish()
+
+
+if __name__ == "__main__":
+    main()

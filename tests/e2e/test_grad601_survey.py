@@ -1,0 +1,130 @@
+#!/usr/bin/env python3
+"""Grad601 surveys end to end: Kelvo601 with two sensors and Lum601 with one,
+the field simulator playing "$PBAR" sentences with bad lines among them (a
+line one byte short, one without CR, one of 140 characters, letters in a
+value, random bytes) and a silence while Logging. The data file is read back:
+every reading record is a sentence the simulator sent, in the record form,
+none lost between the first and the last; the bad lines left no record; the
+silence left "1CONN BRK 1" remarks and the readings came back after it."""
+import os
+import subprocess
+import time
+
+import harness
+import sent_log
+import test_gps_survey as survey
+import test_session_start as session
+
+INSTRUMENT_COM = 4
+LINE_SENSOR_COUNT = 5
+LINE_GPS_INPUT = 23
+
+
+def send(sim, text):
+    sim.stdin.write((text + "\n").encode())
+    sim.stdin.flush()
+
+
+def good_sentences(log_path):
+    """The sentences the logger may take: CR LF last, "$PBAR" first, 9 bytes
+    or more up to the CR, short enough for the frame buffer."""
+    out = []
+    for _, raw in sent_log.messages(log_path, "instrument"):
+        if raw.endswith("\r\n") and raw.startswith("$PBAR") and 9 <= len(raw) - 1 and len(raw) - 2 < 128:
+            out.append(raw[:-2])
+    return out
+
+
+def record_text(sentence):
+    """'T', the first two characters, then from the sixth on; up to the tick's column."""
+    return ("T" + sentence[:2] + sentence[5:])[:16]
+
+
+def run(checks, program, sensors):
+    name = "%s-%d" % (program, sensors)
+    with harness.Sandbox("grad601-" + name) as box:
+        path = session.first_start(box, program)
+        session.edit_settings(path, {LINE_GPS_INPUT: 0, LINE_SENSOR_COUNT: sensors - 1})
+        peer = box.serial_pair(INSTRUMENT_COM)
+        log_path = os.path.join(box.prefix, "sent.log")
+        sim = box.spawn([os.path.join(harness.native_tools_dir(), "fieldsim", "fieldsim"), "--instrument", peer,
+                         "--model", "grad601", "--sensors", str(sensors), "--log", log_path],
+                        stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        started, window = session.start_program(box, program)
+        box.key(window, "l")
+        if not checks.check(session.control_visible(box, 460, "&File"), name + ": the session starts"):
+            return
+        time.sleep(2)
+        box.screenshot("grad601-%s-monitoring" % name)
+        folder = "C:\\Survey\\"
+        os.makedirs(box.c_path(folder), exist_ok=True)
+        if not checks.check(survey.create_file(box, window, folder + "GRAD"), name + ": \"&File\" brings Stand By"):
+            return
+        box.key(window, "g")
+        time.sleep(3)
+        for fault in ("short", "letters", "no-end", "long"):
+            send(sim, "fault " + fault)
+            time.sleep(0.4)
+        send(sim, "garbage instrument 300")
+        time.sleep(2)
+        send(sim, "quiet instrument 2.5")
+        time.sleep(5)
+        box.screenshot("grad601-%s-logging" % name)
+        box.key(window, "p")
+        session.control_visible(box, 460, "&Go")
+        box.key(window, "x")
+        checks.check(survey.answer(box, "Confirm Exit"), name + ": \"E&xit\" asks to confirm")
+        checks.check(session.control_visible(box, 420, "&Logging"), name + ": back at the main menu")
+        box.key(window, "x")
+        checks.equal(started.wait(30), 0, name + ": exit code 0")
+        send(sim, "quit")
+        time.sleep(0.5)
+        files = [f for f in os.listdir(box.c_path(folder)) if f.upper().startswith("GRAD")]
+        if not checks.check(len(files) == 1, name + ": the data file exists (%s)" % files):
+            return
+        data = open(os.path.join(box.c_path(folder), files[0]), "rb").read()
+        with open(os.path.join(harness.artefact_dir(), "grad601-%s.data" % name), "wb") as f:
+            f.write(data)
+        check_file(checks, name, program, sensors, data, good_sentences(log_path), log_path)
+
+
+def check_file(checks, name, program, sensors, data, sent, log_path):
+    what = name + ": "
+    checks.equal(len(data) % 27, 0, what + "whole records of 27 bytes")
+    recs = sent_log.records(data)
+    checks.check(all(r[-1:] == b"\n" for r in recs), what + "each record ends in its line feed")
+    first = recs[0].decode("latin-1")
+    checks.equal(first[0:9], "KLV601 AW" if program.startswith("Kelvo") else "LUM601 AW", what + "signature")
+    checks.equal(first[19], str(sensors - 1), what + "sensors minus 1 in record 1")
+    readings = [r for r in recs if chr(r[0]) == "T"]
+    texts = [r[0:16].decode("latin-1").rstrip(" ") for r in readings]
+    expected = [record_text(s).rstrip(" ") for s in sent]
+    checks.check(len(readings) > 50, what + "%d reading records" % len(readings))
+    checks.check(sent_log.longest_run_match(texts, expected),
+                 what + "the %d readings are the simulator's sentences, in order, none lost" % len(texts))
+    checks.check(all(r[14:16] == b"  " or len(record_text(s)) > 14 for r, s in zip(readings, sent)),
+                 what + "blanks up to the tick")
+    ticks = [int(r[16:26]) for r in readings]
+    checks.check(all(b >= a for a, b in zip(ticks, ticks[1:])), what + "reading ticks never go back")
+    checks.check(any(b"x" in r[0:16] for r in readings), what + "the line with letters is logged as it came")
+    checks.check(not any(b"7777" in r for r in readings), what + "the line of 140 characters left no record")
+    gaps = [b - a for a, b in zip(ticks, ticks[1:])]
+    checks.check(max(gaps) >= 2000, what + "the silence stands in the ticks (longest gap %d ms)" % max(gaps))
+    breaks = [i for i, r in enumerate(recs) if r[0:12] == b"X1CONN BRK 1"]
+    checks.check(len(breaks) >= 3, what + "%d \"1CONN BRK 1\" remarks during the silence" % len(breaks))
+    after = [r for r in recs[breaks[-1]:] if chr(r[0]) == "T"] if breaks else []
+    checks.check(len(after) >= 10, what + "%d readings after the silence" % len(after))
+    messages = sent_log.messages(log_path, "instrument")
+    harness.log("%s: records by tag %s; sentences sent %d (good %d), readings logged %d" %
+                (name, sent_log.tag_counts(recs), len(messages), len(sent), len(readings)))
+
+
+def main():
+    checks = harness.Checks()
+    run(checks, "Kelvo601", 2)
+    run(checks, "Lum601", 1)
+    checks.finish()
+
+
+if __name__ == "__main__":
+    main()
