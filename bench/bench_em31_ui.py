@@ -8,7 +8,6 @@ from a frame leaving the simulator to its reading record in the data file
 Run after the windows and native builds:  python3 bench/bench_em31_ui.py [--em31-only]"""
 import os
 import statistics
-import subprocess
 import sys
 import time
 
@@ -17,42 +16,16 @@ import em31_family_walk as walk  # noqa: E402
 import harness  # noqa: E402
 import test_gps_survey as survey  # noqa: E402
 import test_session_start as session  # noqa: E402
+import wine_cpu  # noqa: E402
 
 SECONDS = 60
 
 
-def process_seconds(pid):
-    try:
-        fields = open("/proc/%d/stat" % pid).read().rsplit(")", 1)[1].split()
-        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
-    except (OSError, IndexError, ValueError):
-        return 0.0
-
-
-def pid_in_prefix(pattern, prefix):
-    """The process matching `pattern` whose environment names this prefix
-    (other sandboxes may run the same program and their own wineserver)."""
-    for pid in subprocess.run(["pgrep", "-f", pattern], capture_output=True, text=True).stdout.split():
-        try:
-            env = open("/proc/%s/environ" % pid, "rb").read().split(b"\0")
-        except OSError:
-            continue
-        if ("WINEPREFIX=" + prefix).encode() in env:
-            return int(pid)
-    return None
-
-
 def measure_cpu(box, what, seconds=SECONDS):
-    prog, server = pid_in_prefix("Kelvo31.exe", box.prefix), pid_in_prefix("wineserver", box.prefix)
-    p0 = process_seconds(prog) if prog else 0.0
-    s0 = process_seconds(server) if server else 0.0
-    start = time.time()
+    meter = wine_cpu.Meter(box.prefix, "Kelvo31.exe")
+    meter.start()
     time.sleep(seconds)
-    wall = time.time() - start
-    p = (process_seconds(prog) - p0) if prog else 0.0
-    s = (process_seconds(server) - s0) if server else 0.0
-    print("CPU while %s: %.1f %% of one core (program %.1f %%, wineserver %.1f %%, %.0f s)"
-          % (what, 100 * (p + s) / wall, 100 * p / wall, 100 * s / wall, wall))
+    wine_cpu.report(what, meter.stop())
 
 
 def survey_run(box, instrument, name, monitoring_first=False):

@@ -12,28 +12,14 @@ import sys
 import time
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "e2e"))
-import bench_ui  # noqa: E402
 import harness  # noqa: E402
 import sent_log  # noqa: E402
 import test_em38mk2_survey as mk2  # noqa: E402
 import test_gps_survey as survey  # noqa: E402
 import test_session_start as session  # noqa: E402
+import wine_cpu  # noqa: E402
 
 LINE_GPS_BAUD = 39
-
-
-def wineserver_seconds(prefix):
-    total = 0.0
-    ticks = os.sysconf("SC_CLK_TCK")
-    for pid in subprocess.run(["pgrep", "wineserver"], capture_output=True, text=True).stdout.split():
-        try:
-            if ("WINEPREFIX=" + prefix).encode() not in open("/proc/%s/environ" % pid, "rb").read().split(b"\0"):
-                continue
-            fields = open("/proc/%s/stat" % pid).read().rsplit(")", 1)[1].split()
-            total += (int(fields[11]) + int(fields[12])) / ticks
-        except OSError:
-            pass
-    return total
 
 
 def main():
@@ -55,24 +41,22 @@ def main():
         survey.create_file(box, window, "C:\\Survey\\BENCH")
         box.key(window, "g")
         time.sleep(2)
-        before = bench_ui.cpu_seconds("Kelvo38MK2") + wineserver_seconds(box.env()["WINEPREFIX"])
-        start = time.time()
+        meter = wine_cpu.Meter(box.prefix, "Kelvo38MK2.exe")
+        meter.start()
         time.sleep(seconds)
-        used = bench_ui.cpu_seconds("Kelvo38MK2") + wineserver_seconds(box.env()["WINEPREFIX"]) - before
-        elapsed = time.time() - start
+        figures = meter.stop()
         box.key(window, "p")
         session.control_visible(box, 460, "&Go")
         time.sleep(1)
         feeder.stdin.write(b"quit\n")
         feeder.stdin.flush()
         program.stop()
-        print("CPU while Logging EM38-MK2 frames every 47 ms and GGA at 20 Hz / 115200 baud: "
-              "%.2f %% of one core, program and wineserver (%.1f s in %.0f s)" % (100 * used / elapsed, used, elapsed))
+        wine_cpu.report("Logging EM38-MK2 frames every 47 ms and GGA at 20 Hz / 115200 baud", figures)
         data = open(os.path.join(box.c_path("C:\\Survey"), [f for f in os.listdir(box.c_path("C:\\Survey"))
                                                                if f.upper().startswith("BENCH")][0]), "rb").read()
         recs = sent_log.records(data)
         readings = [r[0:14].decode("latin-1") for r in recs if chr(r[0]) in "Tt"]
-        sent = [f for _, f in mk2.sent_frames(log_path)]
+        sent = mk2.reader_frames(log_path)
         whole = sent_log.longest_run_match(readings, sent)
         first = sent.index(readings[0]) if readings and readings[0] in sent else -1
         span = sent[first:first + len(readings)] if first >= 0 else []

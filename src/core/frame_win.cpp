@@ -15,6 +15,7 @@
 #include "gps/coordinates.h"
 #include "gps/gps_monitor_win.h"
 #include "session/session_win.h"
+#include "session/view_dialogs_win.h"
 
 namespace {
 
@@ -141,6 +142,7 @@ void PressMainButton(HWND frame, int index) {
   switch (index) {
     case 0: StartSession(); break;
     case 5: OpenGpsMonitor(); break;
+    case 7: RunDisplaySetupDialog(frame); break;
     case 8: ResetToDefault(frame); break;
     case 9: SendMessageW(frame, WM_CLOSE, 0, 0); break;
     default: break;  // the setup dialogs and the GPS monitor open here

@@ -117,6 +117,12 @@ void CreateColorScalePens() {
   }
 }
 
+void UseFont(HDC dc, HFONT& current, HFONT font) {
+  if (font == current) return;
+  SelectObject(dc, font);
+  current = font;
+}
+
 void DrawTextAt(HDC dc, int x, int y, const wchar_t* text, UINT align) {
   SetTextAlign(dc, align);
   ExtTextOutW(dc, x, y, 0, nullptr, text, (UINT)lstrlenW(text), nullptr);

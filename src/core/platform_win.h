@@ -95,6 +95,12 @@ void CreateMapPens(int again);
 void CreateProfilePens(int again);
 void CreateColorScalePens();
 
+// A font for the next texts of a common DC, selected only when it is not the
+// one in use: each selection costs the display driver a look-up of its
+// settings. `current` starts as nullptr for a DC just got; ReleaseDC resets
+// the DC, so the font is not put back.
+void UseFont(HDC dc, HFONT& current, HFONT font);
+
 // Wide text drawn with the platform's text call.
 void DrawTextAt(HDC dc, int x, int y, const wchar_t* text, UINT align = TA_LEFT | TA_TOP);
 void DrawNarrowTextAt(HDC dc, int x, int y, const char* text, UINT align = TA_LEFT | TA_TOP);

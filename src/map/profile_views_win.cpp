@@ -176,22 +176,22 @@ void ShowNumbers(HWND numbers, const ReadingOutcome& out) {
   GetClientRect(numbers, &all);
   FillRect(dc, &all, Session.SessionState == SESSION_LOGGING ? Tools.BrushGreen : Tools.BrushWhite);
   SetBkMode(dc, TRANSPARENT);
-  SetTextColor(dc, RGB(0, 0, 0));
-  HGDIOBJ oldFont = SelectObject(dc, Fonts.FontText);
+  HFONT font = nullptr;
   const int pitch = LoggingLayout.PanelRowPitch > 0 ? LoggingLayout.PanelRowPitch : 16;
   for (int i = 0; i < out.NumberLineCount && i < OUTCOME_NUMBER_LINES; ++i) {
     const int y = 4 + i * pitch;
     if (out.NumberLabels[i]) {
-      SelectObject(dc, Fonts.FontText);
+      UseFont(dc, font, Fonts.FontText);
       SetTextColor(dc, RGB(0, 0, 255));
       DrawNarrowTextAt(dc, 4, y, out.NumberLabels[i]);
-      SetTextColor(dc, RGB(0, 0, 0));
     }
-    SelectObject(dc, out.NumberBold[i] ? Fonts.FontTextBold : Fonts.FontText);
-    if (out.NumbersRightAligned) DrawNarrowTextAt(dc, all.right - NUMBERS_RIGHT_MARGIN, y, out.NumberLines[i], TA_RIGHT | TA_TOP);
-    else DrawNarrowTextAt(dc, 4, y, out.NumberLines[i]);
+    UseFont(dc, font, out.NumberBold[i] ? Fonts.FontTextBold : Fonts.FontText);
+    SetTextColor(dc, RGB(0, 0, 0));
+    if (out.NumbersRightAligned)
+      DrawNarrowTextAt(dc, all.right - NUMBERS_RIGHT_MARGIN, y, out.NumberLines[i], TA_RIGHT | TA_TOP);
+    else
+      DrawNarrowTextAt(dc, 4, y, out.NumberLines[i]);
   }
-  SelectObject(dc, oldFont);
   ReleaseDC(numbers, dc);
 }
 

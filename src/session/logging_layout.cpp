@@ -193,6 +193,27 @@ void PlacePanelAreasLandscape(LoggingLayoutRecord& L) {
 
 int TwoSensorLayout() { return TwoSensorsInUse() ? 1 : 0; }
 
+namespace {
+
+constexpr int WARNING_BOX = 12;   // side of a warning box
+
+bool Overlap(const PixelRect& a, const PixelRect& b) {
+  return a.X < b.Right() && b.X < a.Right() && a.Y < b.Bottom() && b.Y < a.Bottom();
+}
+
+}  // namespace
+
+PixelRect WarningBoxRect(int index) {
+  const LoggingLayoutRecord& L = LoggingLayout;
+  const int pitch = L.PanelRowPitch > 0 ? L.PanelRowPitch : 16;
+  PixelRect box = MakeRect(L.NumbersX - WARNING_BOX - 4, L.NumbersTop + 6 + index * pitch, WARNING_BOX, WARNING_BOX);
+  for (int i = 0; i < CHANNEL_RADIO_SLOTS; ++i) {
+    const PixelRect& radio = L.Radios[i].Rect;
+    if (radio.Width > 0 && Overlap(box, radio)) box.X = radio.X - WARNING_BOX - 4;
+  }
+  return box;
+}
+
 void LoggingLayoutCreateStep() {
   LoggingLayoutRecord& L = LoggingLayout;
   L = LoggingLayoutRecord();

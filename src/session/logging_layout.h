@@ -169,3 +169,7 @@ void PlaceLoggingPanels(MeasureTextFunction measure);
 void UpdateReviewRowFlags();
 // Whether the model shows two sensors side by side (Grad601, EM61-LX2).
 int TwoSensorLayout();
+
+// Warning box 0 or 1 beside the numbers' first rows: a small square left of
+// the panel, or left of the channel radios where a radio stands on its row.
+PixelRect WarningBoxRect(int index);

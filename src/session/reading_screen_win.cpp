@@ -25,7 +25,6 @@ ReadingTextsShownRecord ReadingTextsShown;
 
 namespace {
 
-constexpr int WARNING_BOX = 12;   // side of a warning box beside the numbers
 constexpr UINT CALIBRATION_BEEP = 0x30;
 
 // A text is drawn only when it differs from what its place shows: most of
@@ -44,19 +43,11 @@ void EndLostLinkNotice(HWND screen) {
   shown = RECT{};
 }
 
-RECT WarningBox(int index) {
-  const LoggingLayoutRecord& L = LoggingLayout;
-  const int pitch = L.PanelRowPitch > 0 ? L.PanelRowPitch : 16;
-  const int x = L.NumbersX - WARNING_BOX - 4;
-  const int y = L.NumbersTop + 6 + index * pitch;
-  return RECT{x, y, x + WARNING_BOX, y + WARNING_BOX};
-}
-
 void DrawWarnings(HDC dc, const ReadingOutcome& out) {
   for (int i = 0; i < 2; ++i) {
     if (out.Warnings[i] < 0 || out.Warnings[i] == ReadingTextsShown.Warnings[i]) continue;
     ReadingTextsShown.Warnings[i] = out.Warnings[i];
-    const RECT box = WarningBox(i);
+    const RECT box = ToRect(WarningBoxRect(i));
     FillRect(dc, &box, Tools.BrushButtonFace);
     if (out.Warnings[i] == 0) continue;
     HGDIOBJ oldPen = SelectObject(dc, Tools.PenRedFill);
@@ -67,38 +58,40 @@ void DrawWarnings(HDC dc, const ReadingOutcome& out) {
   }
 }
 
-void DrawPanelText(HDC dc, const PixelRect& place, const char* text, HFONT font, COLORREF colour) {
+void DrawPanelText(HDC dc, HFONT& current, const PixelRect& place, const char* text, HFONT font, COLORREF colour) {
   const RECT box = ToRect(place);
   FillRect(dc, &box, Tools.BrushButtonFace);
   if (!text) return;
-  HGDIOBJ oldFont = SelectObject(dc, font);
+  UseFont(dc, current, font);
   SetTextColor(dc, colour);
   SetBkMode(dc, TRANSPARENT);
   DrawNarrowTextAt(dc, place.X, place.Y, text);
-  SelectObject(dc, oldFont);
 }
 
 void DrawScreenTexts(HWND screen, const ReadingOutcome& out) {
   HDC dc = GetDC(screen);
   if (!dc) return;
   const LoggingLayoutRecord& L = LoggingLayout;
-  HGDIOBJ oldFont = SelectObject(dc, Fonts.FontText);
+  HFONT font = nullptr;
   ReadingTextsShownRecord& shown = ReadingTextsShown;
   if (out.StationShown) {
-    if (Changed(shown.Station, out.StationText)) DrawGpsFieldText(dc, ToRect(L.Station.Value), out.StationText, 0);
-    if (Changed(shown.TotalStations, out.TotalStationsText))
-      DrawGpsFieldText(dc, ToRect(L.TotalStations.Value), out.TotalStationsText, 0);
+    const bool station = Changed(shown.Station, out.StationText);
+    const bool total = Changed(shown.TotalStations, out.TotalStationsText);
+    if (station || total) UseFont(dc, font, Fonts.FontText);
+    if (station) DrawGpsFieldText(dc, ToRect(L.Station.Value), out.StationText, 0);
+    if (total) DrawGpsFieldText(dc, ToRect(L.TotalStations.Value), out.TotalStationsText, 0);
   }
-  if (out.TimeShown && Changed(shown.Time, out.TimeText))
+  if (out.TimeShown && Changed(shown.Time, out.TimeText)) {
+    UseFont(dc, font, Fonts.FontText);
     DrawGpsFieldText(dc, ToRect(L.TotalTime.Value), out.TimeText, 0);
+  }
   if (out.MarkerShown && Changed(shown.Marker, out.MarkerText))
-    DrawPanelText(dc, L.MarkerBox, out.MarkerText, Fonts.FontTextBold, RGB(255, 0, 0));
+    DrawPanelText(dc, font, L.MarkerBox, out.MarkerText, Fonts.FontTextBold, RGB(255, 0, 0));
   if (out.ReadingCountShown > 0)
-    DrawPanelText(dc, L.ReadingCountText, out.ReadingCountText, Fonts.FontTextBold, RGB(0, 0, 0));
+    DrawPanelText(dc, font, L.ReadingCountText, out.ReadingCountText, Fonts.FontTextBold, RGB(0, 0, 0));
   else if (out.ReadingCountShown < 0)
-    DrawPanelText(dc, L.ReadingCountText, nullptr, Fonts.FontTextBold, RGB(0, 0, 0));
+    DrawPanelText(dc, font, L.ReadingCountText, nullptr, Fonts.FontTextBold, RGB(0, 0, 0));
   DrawWarnings(dc, out);
-  SelectObject(dc, oldFont);
   ReleaseDC(screen, dc);
 }
 

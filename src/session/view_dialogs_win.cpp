@@ -155,6 +155,8 @@ void ChooseRowColour(HWND dialog, int row) {
 
 void AcceptDisplay(HWND dialog) {
   for (int row = 0; row < DisplayRows(); ++row) {
+    // A template may have fewer rows than the profile has curves (DISPLAYSETUP601).
+    if (!GetDlgItem(dialog, IDC_DISPLAY_WIDTH_FIRST + row)) continue;
     const LRESULT chosen = SendDlgItemMessageW(dialog, IDC_DISPLAY_WIDTH_FIRST + row, CB_GETCURSEL, 0, 0);
     if (chosen >= 0 && chosen < 4) Settings.ProfileLineWidth[row] = (int)chosen + 1;
   }

@@ -10,12 +10,17 @@ silent during a calibration, which fails and writes nothing. While Logging
 the simulator sends frames without their end pair, 0xFF pairs inside the
 data, random bytes, and falls silent: every reading record is a frame it
 sent, none lost between the first and the last, with "1CONN BRK 1" for the
-silence."""
+silence. A short walk of Kelvo38MK2 with the GPS: screenshots while Logging
+show the eight curves of both dipoles in their pens, the conductivity bars
+in BarQWnd and the inphase bars in BarIWnd, the colour image of the first
+coil's conductivity, and "Setup Display Options" with its eight rows."""
 import os
 import subprocess
 import time
 
+import em31_family_walk as walk
 import harness
+import readout_checks as readouts
 import sent_log
 import test_gps_survey as survey
 import test_session_start as session
@@ -26,6 +31,10 @@ LINE_GPS_INPUT = 36
 LINE_TYPE = 14
 LINE_FIRST_OFFSET = 75
 STORED = [1.5, -2.25, 0.125, 0.25, -0.5, 0.75]
+LINE_SCALES = 32   # Minimum and Maximum of the conductivity scale, then of the inphase scale
+# The pens of channels 0 to 7 at a first start (stored 0x00BBGGRR): blue,
+# green, red, orange, then the same for the second coil pair.
+PENS = [readouts.rgb_of_setting(c) for c in (16711680, 65280, 255, 4227327)]
 
 
 def sample_interval_line():
@@ -57,6 +66,26 @@ def sent_frames(log_path):
     """(ms, 14 bytes) of each whole frame the simulator sent."""
     return [(ms, raw[:14]) for ms, raw in sent_log.messages(log_path, "instrument")
             if len(raw) == 16 and raw[0] in "Tt" and raw.endswith("\xff\xff")]
+
+
+def reader_frames(log_path):
+    """The frames a reader takes from the bytes the simulator sent: the 14
+    bytes from 'T' or 't' 15 places before a pair of 0xFF (a spoilt frame can
+    make such a pair with bytes of its neighbours); a run of 181 bytes without
+    one is thrown away."""
+    frames = []
+    line = []
+    for _, raw in sent_log.messages(log_path, "instrument"):
+        for c in raw:
+            line.append(c)
+            at = len(line) - 1
+            if at > 180:
+                line = []
+                continue
+            if c == "\xff" and at > 14 and line[at - 1] == "\xff" and line[at - 15] in "Tt":
+                frames.append("".join(line[at - 15:at - 1]))
+                line = []
+    return frames
 
 
 def offsets_records(recs):
@@ -202,7 +231,7 @@ def check_file(checks, name, program, coils, data, frames, window_frames, stored
     checks.check(all(v == 0.0 for v in stored_after), what + "the settings hold zeros after the removal")
     readings = [r for r in recs if chr(r[0]) in "Tt"]
     texts = [r[0:14].decode("latin-1") for r in readings]
-    sent = [f for _, f in frames]
+    sent = reader_frames(log_path)
     checks.check(len(readings) > 100, what + "%d reading records" % len(readings))
     checks.check(sent_log.longest_run_match(texts, sent),
                  what + "the %d readings are the simulator's frames, in order, none lost" % len(texts))
@@ -215,10 +244,56 @@ def check_file(checks, name, program, coils, data, frames, window_frames, stored
                 (name, sent_log.tag_counts(recs), len(messages), len(frames), len(readings), computed))
 
 
+def views(checks):
+    """Kelvo38MK2 with both coil pairs and the GPS, vertical then horizontal
+    dipole while Logging: curves, bars and swath in their colours."""
+    program = "Kelvo38MK2"
+    name = program + "-views"
+    with harness.Sandbox("em38mk2-views") as box:
+        path = session.first_start(box, program)
+        session.edit_settings(path, {LINE_SCALES: "10.000000", LINE_SCALES + 1: "30.000000",
+                                     LINE_SCALES + 2: "-2.000000", LINE_SCALES + 3: "2.000000"})
+        log_path = os.path.join(box.prefix, "sent.log")
+        sim = walk.start_sim(box, "em38mk2", log_path, ["--coils", "2"])
+        started, window = session.start_program(box, program)
+        if not checks.check(walk.open_logging(box, window), name + ": logging screen and a first fix"):
+            return
+        if not walk.go(box, checks, program, "VIEWS", sim, started, window, log_path):
+            return
+        time.sleep(4)
+        send(sim, "dipole h")
+        time.sleep(4)
+        shot = box.screenshot("em38mk2-%s-logging" % name)
+        walk.pause(box, window)
+        curves = readouts.window_rects(box, readouts.CURVE_ID)
+        if checks.equal(len(curves), 1, name + ": one curve window"):
+            readouts.check_pens(checks, name + ": the curves of both dipoles", shot, curves[0], PENS)
+        for control, pens, what in ((readouts.BAR_Q_ID, [PENS[0], PENS[1]], "conductivity"),
+                                    (readouts.BAR_I_ID, [PENS[2], PENS[3]], "inphase")):
+            rects = readouts.window_rects(box, control)
+            if checks.check(len(rects) == 1, "%s: the %s bar window" % (name, what)):
+                readouts.check_pens(checks, "%s: the %s bars" % (name, what), shot, rects[0], pens, least=20)
+        readouts.check_swath(checks, name, shot, box, least_classes=3)
+        box.key(window, "o")
+        dialog = box.wait_title("Setup Display Options", timeout=20)
+        if checks.check(dialog is not None, name + ": \"Setup Display Options\" opens"):
+            time.sleep(0.5)
+            texts = [row["text"] for row in box.windows()]
+            rows = ["Conductivity / V / 1m", "Conductivity / H / 1m", "Inphase / V / 1m", "Inphase / H / 1m",
+                    "Conductivity / V / 0.5m", "Conductivity / H / 0.5m", "Inphase / V / 0.5m",
+                    "Inphase / H / 0.5m", "Display Grid Lines for:"]
+            checks.check(all(r in texts for r in rows), name + ": the eight rows and the grid list")
+            box.screenshot("em38mk2-%s-display-options" % name)
+            box.xdotool(["key", "Escape"])
+            box.window_gone("Setup Display Options")
+        walk.finish(box, checks, program, sim, started, window)
+
+
 def main():
     checks = harness.Checks()
     run(checks, "Kelvo38MK2", 2)
     run(checks, "Lum38MK2", 1)
+    views(checks)
     checks.finish()
 
 

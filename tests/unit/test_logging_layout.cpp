@@ -655,3 +655,19 @@ TEST(MissingMeasureDoesNotCrash) {
   PlaceLoggingPanels(nullptr);
   CHECK(LoggingLayout.StatusLine.Width > 0);
 }
+
+TEST(WarningBoxesStandClearOfTheChannelRadios) {
+  // EM31-MK2: radios from the third row; the boxes beside the first two rows.
+  StartScreen(EM31MK2, MAPPING_PRODUCT, 1280, 762, 18, 0);
+  ArrangeLoggingLandscape();
+  // NumbersX 1150, NumbersTop 457 - 82 = 375, rows 18 apart.
+  CHECK_RECT(WarningBoxRect(0), 1134, 381, 12, 12);
+  CHECK_RECT(WarningBoxRect(1), 1134, 399, 12, 12);
+  // EM38-MK2: radios from the first row at x 1133, y 385 and 409 (pitch 26 - 2):
+  // the boxes move left of them.
+  StartScreen(EM38MK2, MAPPING_PRODUCT, 1280, 762, 18, 0);
+  ArrangeLoggingLandscape();
+  CHECK_RECT(LoggingLayout.Radios[0].Rect, 1133, 385, 14, 14);
+  CHECK_RECT(WarningBoxRect(0), 1117, 381, 12, 12);
+  CHECK_RECT(WarningBoxRect(1), 1117, 399, 12, 12);
+}
