@@ -101,6 +101,8 @@ struct LinkDescription {
   int NullingStateAfterStart;      // NullingState once the link is proven
   int ReadingTickIsByteTick;       // the record's tick: 1 LastByteTick, 0 LastReadingTick
   int SettleMsAfterFirstFrame;     // START_FIRST_FRAME: a pause once the first frame came
+  int CommMaskAtStart;             // the reader sets the character event mask when it starts
+  int CommMaskAfterEmptyRead;      // and again after each read that brought nothing
   // The reader thread's framer: started once, then fed each byte with its
   // tick; returns FRAME_TELL_SCREEN and FRAME_PLAY_TICK bits.
   void (*StartFramer)();

@@ -75,11 +75,11 @@ DWORD WINAPI InstrumentReader(LPVOID) {
   link.StartFramer();
   Link.InstrumentPortState = 2;
   PurgeBoth(Link.InstrumentHandle);
-  WatchPort();
+  if (link.CommMaskAtStart) WatchPort();
   while (Link.InstrumentHandle != NO_HANDLE) {
     unsigned char byte = 0;
     if (!ReadInstrumentByte(&byte)) {
-      WatchPort();
+      if (link.CommMaskAfterEmptyRead) WatchPort();
       continue;
     }
     const int what = link.FramerByte(byte, TickNow());

@@ -63,6 +63,19 @@ TEST(TheTextFrameInstrumentsShareTheReaderTheOthersWaitForTheirs) {
   CHECK_EQ(InstrumentOf(Grad601).Link.Start, START_READER_ONLY);
 }
 
+TEST(ReadersArmTheCharacterEventAsTheirLinkAsks) {
+  // The text frame readers set the mask at the start and after each empty
+  // read, the Grad601's line reader only at the start, the EM38-MK2's not at all.
+  for (int model : {EM31MK2, EM38, EM343}) {
+    CHECK_EQ(InstrumentOf(model).Link.CommMaskAtStart, 1);
+    CHECK_EQ(InstrumentOf(model).Link.CommMaskAfterEmptyRead, 1);
+  }
+  CHECK_EQ(InstrumentOf(Grad601).Link.CommMaskAtStart, 1);
+  CHECK_EQ(InstrumentOf(Grad601).Link.CommMaskAfterEmptyRead, 0);
+  CHECK_EQ(InstrumentOf(EM38MK2).Link.CommMaskAtStart, 0);
+  CHECK_EQ(InstrumentOf(EM38MK2).Link.CommMaskAfterEmptyRead, 0);
+}
+
 TEST(TwoSensorsOnlyWhereTheInstrumentOffersThem) {
   for (int model : AllModels()) {
     Start(model);
