@@ -2,10 +2,15 @@
 """The busiest link pair under Wine: Kelvo38MK2 Logging an EM38-MK2 at its
 47 ms frame rate (19200 baud, every frame kept: the sample interval is one
 frame) while a 20 Hz receiver talks at 115200 baud. Prints the CPU of the
-program and of its wineserver together, in percent of one core, and the
+program and of its wineserver together, in percent of one core, with the
+program's busiest threads (the main thread, then the two readers), and the
 frames the simulator sent against the reading records logged over the run.
 Run after the windows and native builds:
-    python3 bench/bench_em38mk2_logging.py [SECONDS]   (default 600)"""
+    python3 bench/bench_em38mk2_logging.py [SECONDS]   (default 600)
+On a shared machine the figures move with the other load (wake-ups across
+cores cost the readers and the wineserver more); pinned to one core they are
+steadier for comparing two builds:
+    taskset -c 1 python3 bench/bench_em38mk2_logging.py 120"""
 import os
 import subprocess
 import sys

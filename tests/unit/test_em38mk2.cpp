@@ -18,8 +18,10 @@
 #include "instruments/em_frame_reader.h"
 #include "instruments/instrument.h"
 #include "instruments/reading.h"
+#include "map/colour_bar.h"
 #include "map/profile_views.h"
 #include "outcome_checks.h"
+#include "session/logging_layout.h"
 #include "testing.h"
 
 namespace {
@@ -627,4 +629,27 @@ TEST(EightCurvesAndTheBarsOfBothCoils) {
   CHECK_EQ(BarOfChannel(out, 3)->Window, (int)BAR_WINDOW_I);
   CHECK_EQ(BarOfChannel(out, 7)->Index, 3);
   CHECK(BarOfChannel(out, 0) == nullptr);
+}
+
+TEST(MapTitlesAndTheWideColourBar) {
+  Fresh();
+  char title[48];
+  const char* const live[4] = {"Conductivity 1 m", "Inphase 1 m", "Conductivity 0.5 m", "Inphase 0.5 m"};
+  const char* const review[4] = {"Review Conductivity 1 m", "Review Inphase 1 m", "Review Conductivity 0.5 m",
+                                 "Review Inphase 0.5 m"};
+  for (int mode = 1; mode <= 4; ++mode) {
+    MapChannelTitle(mode, 0, title, sizeof title);
+    CHECK_EQ(std::string(title), std::string(live[mode - 1]));
+    MapChannelTitle(mode, 1, title, sizeof title);
+    CHECK_EQ(std::string(title), std::string(review[mode - 1]));
+  }
+  // The inphase views colour on the second scale.
+  CHECK(!SecondScaleForMapMode(1) && SecondScaleForMapMode(2) && !SecondScaleForMapMode(3) && SecondScaleForMapMode(4));
+  Screen.ClientWidth = 1280;
+  Screen.ClientHeight = 762;
+  Screen.RowPitch = 18;
+  LoggingLayoutCreateStep();
+  ArrangeLoggingLandscape();
+  const PixelRect& bar = LoggingLayout.ColorBar.Rect;
+  CHECK(bar.X == 30 && bar.Y == 25 && bar.Width == 244 && bar.Height == 296);
 }

@@ -14,8 +14,10 @@
 #include "instruments/grad601_reading.h"
 #include "instruments/instrument.h"
 #include "instruments/reading.h"
+#include "map/colour_bar.h"
 #include "map/profile_views.h"
 #include "outcome_checks.h"
+#include "session/logging_layout.h"
 #include "testing.h"
 
 namespace {
@@ -320,4 +322,22 @@ TEST(TwoSensorsDrawEachInItsOwnWindowsAndPens) {
   CHECK_EQ(BarOfChannel(out, 1)->Window, (int)BAR_WINDOW_I);
   CHECK_EQ(BarOfChannel(out, 1)->Index, 0);
   CHECK_EQ(std::string(out.NumberLabels[1]), std::string("G #2:"));
+}
+
+TEST(MapTitlesAreBlankLiveAndReviewInReview) {
+  Fresh();
+  char title[48];
+  MapChannelTitle(1, 0, title, sizeof title);
+  CHECK_EQ(std::string(title), std::string("            "));
+  MapChannelTitle(1, 1, title, sizeof title);
+  CHECK_EQ(std::string(title), std::string("Review"));
+  MapChannelTitle(0, 1, title, sizeof title);
+  CHECK_EQ(std::string(title), std::string("            "));
+  Screen.ClientWidth = 1280;
+  Screen.ClientHeight = 762;
+  Screen.RowPitch = 18;
+  LoggingLayoutCreateStep();
+  ArrangeLoggingLandscape();
+  const PixelRect& bar = LoggingLayout.ColorBar.Rect;
+  CHECK(bar.X == 40 && bar.Y == 25 && bar.Width == 142 && bar.Height == 296);
 }
