@@ -20,8 +20,7 @@
 #include "instruments/reading.h"
 #include "map/colour_bar.h"
 #include "map/profile_views.h"
-#include "outcome_checks.h"
-#include "session/logging_layout.h"
+#include "view_checks.h"
 #include "testing.h"
 
 namespace {
@@ -645,11 +644,6 @@ TEST(MapTitlesAndTheWideColourBar) {
   }
   // The inphase views colour on the second scale.
   CHECK(!SecondScaleForMapMode(1) && SecondScaleForMapMode(2) && !SecondScaleForMapMode(3) && SecondScaleForMapMode(4));
-  Screen.ClientWidth = 1280;
-  Screen.ClientHeight = 762;
-  Screen.RowPitch = 18;
-  LoggingLayoutCreateStep();
-  ArrangeLoggingLandscape();
-  const PixelRect& bar = LoggingLayout.ColorBar.Rect;
+  const PixelRect bar = ColourLegendPlace();
   CHECK(bar.X == 30 && bar.Y == 25 && bar.Width == 244 && bar.Height == 296);
 }

@@ -16,8 +16,7 @@
 #include "instruments/reading.h"
 #include "map/colour_bar.h"
 #include "map/profile_views.h"
-#include "outcome_checks.h"
-#include "session/logging_layout.h"
+#include "view_checks.h"
 #include "testing.h"
 
 namespace {
@@ -333,11 +332,6 @@ TEST(MapTitlesAreBlankLiveAndReviewInReview) {
   CHECK_EQ(std::string(title), std::string("Review"));
   MapChannelTitle(0, 1, title, sizeof title);
   CHECK_EQ(std::string(title), std::string("            "));
-  Screen.ClientWidth = 1280;
-  Screen.ClientHeight = 762;
-  Screen.RowPitch = 18;
-  LoggingLayoutCreateStep();
-  ArrangeLoggingLandscape();
-  const PixelRect& bar = LoggingLayout.ColorBar.Rect;
+  const PixelRect bar = ColourLegendPlace();
   CHECK(bar.X == 40 && bar.Y == 25 && bar.Width == 142 && bar.Height == 296);
 }
