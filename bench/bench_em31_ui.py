@@ -39,9 +39,7 @@ def survey_run(box, instrument, name, monitoring_first=False):
     walk.open_logging(box, window)
     if monitoring_first:
         measure_cpu(box, "Monitoring the receiver alone (GGA at 10 Hz, no file)", 30)
-    os.makedirs(box.c_path("C:\\Survey"), exist_ok=True)
-    survey.create_file(box, window, "C:\\Survey\\" + name)
-    box.key(window, "g")
+    survey.log_to_file(box, window, name)
     time.sleep(3)
     return sim, run, window, log_path
 

@@ -55,9 +55,7 @@ def main():
         # CPU while a GPS-only survey is logged.
         box.key(window, "l")
         survey.wait_first_fix(box)
-        os.makedirs(box.c_path("C:\\Survey"), exist_ok=True)
-        survey.create_file(box, window, "C:\\Survey\\BENCH")
-        box.key(window, "g")
+        survey.log_to_file(box, window, "BENCH")
         time.sleep(2)
         before, start = cpu_seconds("Kelvo31"), time.time()
         time.sleep(30)

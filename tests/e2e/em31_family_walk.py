@@ -173,13 +173,15 @@ def tag_counts(recs):
     return counts
 
 
-def read_file(box, stem):
+def read_file(box, stem, artefact=None):
+    """The one data file C:\\Survey\\<stem>.*, kept among the artefacts; (bytes
+    or None, the names found)."""
     folder = box.c_path("C:\\Survey")
     names = [n for n in os.listdir(folder) if n.upper().startswith(stem.upper())] if os.path.isdir(folder) else []
     if len(names) != 1:
         return None, names
     data = open(os.path.join(folder, names[0]), "rb").read()
-    with open(os.path.join(harness.artefact_dir(), "em31family-%s.data" % stem), "wb") as f:
+    with open(os.path.join(harness.artefact_dir(), (artefact or "em31family-" + stem) + ".data"), "wb") as f:
         f.write(data)
     return data, names
 
@@ -210,10 +212,8 @@ def begin(box, checks, program, values, model, stem, extra=()):
 
 
 def go(box, checks, program, stem, sim, run, window, log_path):
-    os.makedirs(box.c_path("C:\\Survey\\"), exist_ok=True)
-    if not checks.check(gps_survey.create_file(box, window, "C:\\Survey\\" + stem), program + ": Stand By"):
+    if not checks.check(gps_survey.log_to_file(box, window, stem), program + ": Stand By"):
         return None
-    box.key(window, "g")
     return sim, run, window, log_path
 
 
@@ -223,14 +223,14 @@ def pause(box, window):
 
 
 def leave(box, window):
-    """"E&xit" with Yes: back at the main menu."""
+    """"E&xit" with Yes: whether it asked and the main menu came back."""
     box.key(window, "x")
-    gps_survey.answer(box, "Confirm Exit")
-    session.control_visible(box, 420, "&Logging")
+    asked = gps_survey.answer(box, "Confirm Exit")
+    return asked and session.control_visible(box, 420, "&Logging")
 
 
 def finish(box, checks, program, sim, run, window):
-    leave(box, window)
+    checks.check(leave(box, window), program + ": \"E&xit\" asks to confirm and the main menu is back")
     box.key(window, "x")
     checks.equal(run.wait(30), 0, program + ": exit code 0")
     send(sim, "quit")

@@ -181,19 +181,10 @@ def run(checks, program, coils):
         menu_command(box, window, "r")
         checks.check(survey.answer(box, "Delete Calibration"), name + ": the removal box")
         time.sleep(1)
-        box.key(window, "x")
-        checks.check(survey.answer(box, "Confirm Exit"), name + ": \"E&xit\" asks to confirm")
-        checks.check(session.control_visible(box, 420, "&Logging"), name + ": back at the main menu")
-        box.key(window, "x")
-        checks.equal(started.wait(30), 0, name + ": exit code 0")
-        send(sim, "quit")
-        time.sleep(0.5)
-        files = [f for f in os.listdir(box.c_path(folder)) if f.upper().startswith("MK2")]
-        if not checks.check(len(files) == 1, name + ": the data file exists (%s)" % files):
+        walk.finish(box, checks, name, sim, started, window)
+        data, files = walk.read_file(box, "MK2", "em38mk2-" + name)
+        if not checks.check(data is not None, name + ": the data file exists (%s)" % files):
             return
-        data = open(os.path.join(box.c_path(folder), files[0]), "rb").read()
-        with open(os.path.join(harness.artefact_dir(), "em38mk2-%s.data" % name), "wb") as f:
-            f.write(data)
         settings = open(path, "rb").read().split(b"\r\n")
         stored_after = [float(settings[LINE_FIRST_OFFSET - 1 + i]) for i in range(6)]
         frames = sent_frames(log_path)

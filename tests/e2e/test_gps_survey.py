@@ -161,6 +161,14 @@ def create_file(box, window, name):
     return session.control_visible(box, 460, "&Go", timeout=20)
 
 
+def log_to_file(box, window, stem):
+    """"&File" with a new file C:\\Survey\\<stem>, then "&Go"; whether Stand By came."""
+    os.makedirs(box.c_path("C:\\Survey\\"), exist_ok=True)
+    ok = create_file(box, window, "C:\\Survey\\" + stem)
+    box.key(window, "g")
+    return ok
+
+
 def answer(box, title, keys=("Return",)):
     dialog = box.wait_title(title, timeout=20)
     if dialog is None:

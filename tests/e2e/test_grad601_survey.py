@@ -118,11 +118,8 @@ def run(checks, program, sensors, gps):
         sim, started, window = opened
         time.sleep(2)
         box.screenshot("grad601-%s-monitoring" % name)
-        folder = "C:\\Survey\\"
-        os.makedirs(box.c_path(folder), exist_ok=True)
-        if not checks.check(survey.create_file(box, window, folder + "GRAD"), name + ": \"&File\" brings Stand By"):
+        if not checks.check(survey.log_to_file(box, window, "GRAD"), name + ": \"&File\" brings Stand By"):
             return
-        box.key(window, "g")
         time.sleep(3)
         for fault in ("short", "letters", "no-end", "long"):
             send(sim, "fault " + fault)
@@ -137,19 +134,10 @@ def run(checks, program, sensors, gps):
         check_views(checks, name, shot, box, sensors, gps and program.startswith("Kelvo"))
         if gps:
             display_options(checks, box, window, name, "o")
-        box.key(window, "x")
-        checks.check(survey.answer(box, "Confirm Exit"), name + ": \"E&xit\" asks to confirm")
-        checks.check(session.control_visible(box, 420, "&Logging"), name + ": back at the main menu")
-        box.key(window, "x")
-        checks.equal(started.wait(30), 0, name + ": exit code 0")
-        send(sim, "quit")
-        time.sleep(0.5)
-        files = [f for f in os.listdir(box.c_path(folder)) if f.upper().startswith("GRAD")]
-        if not checks.check(len(files) == 1, name + ": the data file exists (%s)" % files):
+        walk.finish(box, checks, name, sim, started, window)
+        data, files = walk.read_file(box, "GRAD", "grad601-" + name)
+        if not checks.check(data is not None, name + ": the data file exists (%s)" % files):
             return
-        data = open(os.path.join(box.c_path(folder), files[0]), "rb").read()
-        with open(os.path.join(harness.artefact_dir(), "grad601-%s.data" % name), "wb") as f:
-            f.write(data)
         check_file(checks, name, program, sensors, data, good_sentences(log_path), log_path)
 
 
