@@ -7,6 +7,7 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "datafile/records.h"
+#include "datafile/replay_map.h"
 #include "gps/nmea_receiver.h"
 #include "gps/reading_bucket.h"
 #include "instruments/instrument.h"
@@ -325,4 +326,51 @@ void FinishManualStation(int accepted, ReadingOutcome& out) {
   for (int& separation : s.StationSeparations) separation = 0;
   s.StationLineCount = 0;
   ReadingCountText(out);
+}
+
+// ---------------------------------------------------------------- replay
+// A reading record holds the frame as it arrived, blank padded to 12
+// characters; stacked readings of a Manual station carry '2' to '6' in
+// place of the 'T', which the decoder does not look at.
+
+namespace {
+
+constexpr int RECORD_FRAME_LENGTH = 12;
+
+// The replayed image takes the view's value on its scale. The EM38 keeps
+// only readings of the dipole shown, on the inphase scale when the survey
+// measures the inphase: where the live image shows a gap, the replay joins.
+int ReplayEntry(const unsigned char* record, EmStatusForm form, int32_t& entry) {
+  EmReading r;
+  EmDecodeFrame(record, RECORD_FRAME_LENGTH, form, DecodeSettings(), r);
+  const int mode = Settings.MapDisplayMode;
+  if (form == STATUS_EM38) {
+    if ((r.Dipole == 'V' ? 0 : 1) != Settings.DipoleMode) return 0;
+    entry = ReplayColourClass(r.Conductivity, Settings.Component == 1 ? 1 : 0);
+    return 1;
+  }
+  entry = ReplayColourClass(mode == 2 ? r.Inphase : r.Conductivity, SecondScaleForMapMode(mode) ? 1 : 0);
+  return 1;
+}
+
+int ReplayProfile(const unsigned char* record, EmStatusForm form, ReadingOutcome& out) {
+  EmReading r;
+  EmDecodeFrame(record, RECORD_FRAME_LENGTH, form, DecodeSettings(), r);
+  StripPositions(out, r, form);
+  return 1;
+}
+
+}  // namespace
+
+int ReplayEm31ColourEntry(const unsigned char* record, int32_t& entry) { return ReplayEntry(record, STATUS_EM31, entry); }
+int ReplayEm38ColourEntry(const unsigned char* record, int32_t& entry) { return ReplayEntry(record, STATUS_EM38, entry); }
+int ReplayEm34ColourEntry(const unsigned char* record, int32_t& entry) { return ReplayEntry(record, STATUS_EM34, entry); }
+int ReplayEm31ProfileReading(const unsigned char* record, ReadingOutcome& out) {
+  return ReplayProfile(record, STATUS_EM31, out);
+}
+int ReplayEm38ProfileReading(const unsigned char* record, ReadingOutcome& out) {
+  return ReplayProfile(record, STATUS_EM38, out);
+}
+int ReplayEm34ProfileReading(const unsigned char* record, ReadingOutcome& out) {
+  return ReplayProfile(record, STATUS_EM34, out);
 }

@@ -3,6 +3,8 @@
 // decides whether it is logged, writes its record, moves the station, feeds
 // the colour image and says what the screen is to show.
 #pragma once
+#include <cstdint>
+
 #include "instruments/em_text_decode.h"
 
 struct ReadingOutcome;
@@ -39,3 +41,12 @@ int NextLogGate(int gate, int status, int manual);
 
 // The rows of the confirmation box and the progress text.
 void FormatStationLine(int number, char dipole, int separation, int gain, double value, char* out, int capacity);
+
+// Replay of a reading record from the data file: its colour entry for the
+// map's image (0 when it gives none), and its curves for the profile.
+int ReplayEm31ColourEntry(const unsigned char* record, int32_t& entry);
+int ReplayEm38ColourEntry(const unsigned char* record, int32_t& entry);
+int ReplayEm34ColourEntry(const unsigned char* record, int32_t& entry);
+int ReplayEm31ProfileReading(const unsigned char* record, ReadingOutcome& out);
+int ReplayEm38ProfileReading(const unsigned char* record, ReadingOutcome& out);
+int ReplayEm34ProfileReading(const unsigned char* record, ReadingOutcome& out);

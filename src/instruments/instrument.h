@@ -113,6 +113,13 @@ struct LinkDescription {
 struct ReadingDescription {
   void (*Handle)(ReadingOutcome& out);   // nullptr: readings are not yet handled
   void (*StartSession)();                // the handler's own state at a session's start, nullptr for none
+  // A reading record of the data file (its text cut at the line feed) met
+  // by the map's replay: the entry it gives the colour image in the view
+  // shown; 0 when it gives none.
+  int (*ReplayColourEntry)(const unsigned char* record, int32_t& entry);
+  // The same met by the profile's replay: its curves into `out` as a live
+  // reading gives them; 0 when it is no reading of the profile.
+  int (*ReplayProfileReading)(const unsigned char* record, ReadingOutcome& out);
 };
 
 // Channels, scales and the views.
@@ -233,6 +240,9 @@ struct DataFileDescription {
   const char* NavigationDefaultExtension;
   // Columns 15 to 25 of record 1 ("Type" and modes), into `out` (12 bytes).
   void (*HeaderConfiguration)(char* out, int capacity);
+  // In Manual the footprint records are the station array's: three sets,
+  // one per coil separation, replayed as bars in the separations' colours.
+  int ArrayCornersInManual;
 };
 
 // How the main menu draws the instrument.

@@ -195,22 +195,6 @@ PixelLine WriteFootprint(int set, double sx, double sy, double ux, double uy) {
   return WorldToPixel(ends[0], ends[1], ends[2], ends[3]);
 }
 
-// A footprint line in the positions view.
-void PlotPositions(const PixelLine& line) {
-  if (Settings.PositionSize < 4) PlotFootprintDots(line.X1, line.Y1, line.X2, line.Y2);
-  else PlotFootprintLine(line.X1, line.Y1, line.X2, line.Y2);
-}
-
-// The colour image fills the swath between the previous line and the new one.
-void PaintSwath(const PixelLine& newLine, const PixelLine& oldLine) {
-  const bool split = LiveMapCallPoints.TwoSensorsConnected && LiveMapCallPoints.TwoSensorsConnected();
-  if (split) {
-    if (LiveMapCallPoints.PaintColourSwathSplit) LiveMapCallPoints.PaintColourSwathSplit(newLine, oldLine);
-  } else {
-    if (LiveMapCallPoints.PaintColourSwath) LiveMapCallPoints.PaintColourSwath(newLine, oldLine);
-  }
-}
-
 void DrawNewLine(const PixelLine& newLine, const PixelLine& oldLine) {
   if (Settings.MapDisplayMode == 0) PlotPositions(newLine);
   else PaintSwath(newLine, oldLine);
@@ -261,6 +245,20 @@ void HeadingFootprintStep(double x, double y, double lag) {
 }
 
 }  // namespace
+
+void PlotPositions(const PixelLine& line) {
+  if (Settings.PositionSize < 4) PlotFootprintDots(line.X1, line.Y1, line.X2, line.Y2);
+  else PlotFootprintLine(line.X1, line.Y1, line.X2, line.Y2);
+}
+
+void PaintSwath(const PixelLine& newLine, const PixelLine& oldLine) {
+  const bool split = LiveMapCallPoints.TwoSensorsConnected && LiveMapCallPoints.TwoSensorsConnected();
+  if (split) {
+    if (LiveMapCallPoints.PaintColourSwathSplit) LiveMapCallPoints.PaintColourSwathSplit(newLine, oldLine);
+  } else {
+    if (LiveMapCallPoints.PaintColourSwath) LiveMapCallPoints.PaintColourSwath(newLine, oldLine);
+  }
+}
 
 void AppendSensorHistory(double x, double y) {
   LiveMapRecord& live = LiveMap;

@@ -93,3 +93,9 @@ void PlotFootprintDots(int x1, int y1, int x2, int y2);
 void PlotFootprintLine(int x1, int y1, int x2, int y2);
 void PlotFootprintDot(int x1, int y1, int x2, int y2, int pen, int brush);
 void PlotSegment(int x1, int y1, int x2, int y2, int pen);
+
+// A footprint line in the positions view: dots or a line by Position Size.
+void PlotPositions(const PixelLine& line);
+// The colour image between the previous line and the new one, split in two
+// halves when two sensors feed it. The live map and the replay both paint so.
+void PaintSwath(const PixelLine& newLine, const PixelLine& oldLine);

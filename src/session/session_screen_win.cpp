@@ -16,6 +16,7 @@
 #include "core/variant.h"
 #include "datafile/create_data_file_win.h"
 #include "datafile/records.h"
+#include "datafile/replay_win.h"
 #include "gps/position_pipeline.h"
 #include "map/background_files_win.h"
 #include "map/live_map.h"
@@ -102,7 +103,7 @@ void LeaveToMainMenu() {
     return;
   }
   EndBackgroundFiles();
-  if (Session.ReviewActive) ExitMapReview();
+  if (Session.ReviewActive) LeaveMapReview();
   ShowSet(LoggingWindows.StandBySet, 0);
   ShowWindow(LoggingWindows.Pause, SW_HIDE);
   ShowSet(LoggingWindows.MonitoringSet, 1);
@@ -220,7 +221,23 @@ void RepaintReadouts() {
     if (window) InvalidateRect(window, nullptr, TRUE);
 }
 
-// A colour channel radio: the image shows that channel from now on.
+// The title over the map, live or in its review form.
+void ShowMapChannelTitle() {
+  HDC dc = GetDC(Windows.ScreenLog);
+  if (!dc) return;
+  char title[48];
+  MapChannelTitle(Settings.MapDisplayMode, Session.ReviewActive, title, sizeof title);
+  const RECT box = ToRect(LoggingLayout.ChannelTitle);
+  FillRect(dc, &box, Tools.BrushButtonFace);
+  HGDIOBJ old = SelectObject(dc, Fonts.FontText);
+  SetBkMode(dc, TRANSPARENT);
+  DrawNarrowTextAt(dc, box.left, box.top, title);
+  SelectObject(dc, old);
+  ReleaseDC(Windows.ScreenLog, dc);
+}
+
+// A colour channel radio: the image shows that channel from now on, drawn
+// anew from the data file; in review for the review only.
 void ChannelCommand(int code) {
   if (Settings.GpsInput == 0) {
     Inform(L"INFORMATION", "Option avaiable only when GPS is enabled");
@@ -230,17 +247,10 @@ void ChannelCommand(int code) {
   RecomputeColourWidth();
   if (!Session.ReviewActive) LoadSettings(SETTINGS_SAVE);
   ShowChannelButtons(1);
-  HDC dc = GetDC(Windows.ScreenLog);
-  if (dc) {
-    char title[48];
-    MapChannelTitle(Settings.MapDisplayMode, Session.ReviewActive, title, sizeof title);
-    const RECT box = ToRect(LoggingLayout.ChannelTitle);
-    FillRect(dc, &box, Tools.BrushButtonFace);
-    HGDIOBJ old = SelectObject(dc, Fonts.FontText);
-    SetBkMode(dc, TRANSPARENT);
-    DrawNarrowTextAt(dc, box.left, box.top, title);
-    SelectObject(dc, old);
-    ReleaseDC(Windows.ScreenLog, dc);
+  ShowMapChannelTitle();
+  if (Session.MapVisible) {
+    if (Session.ReviewActive) MapViewCommand(code);
+    else RedrawMap(REDRAW_DRAWING);
   }
   SetFocus(Windows.ScreenLog);
 }
@@ -342,17 +352,15 @@ void ToggleViewCommand() {
   RecomputeScaleFactors();
   RepaintLoggingScreen();
   if (Session.MapVisible) {
-    RedrawTiles(2);
-    ShowPleaseWait();
-    if (MapCallPoints.DrawBackgroundFiles) MapCallPoints.DrawBackgroundFiles();
-    if (MapCallPoints.ReplayMap) MapCallPoints.ReplayMap();
-    MapCanvas.ReanchorPending = 1;
+    RedrawMap(REDRAW_SCALE);
     EnableReviewRow(1);
     ShowChannelButtons(1);
   } else {
     EnableReviewRow(0);
     ShowChannelButtons(0);
   }
+  // The profile changed its size with the layout and is drawn anew.
+  RedrawProfiles();
 }
 
 void MapViewCommandOfScreen(int code) {
@@ -365,6 +373,7 @@ void ReviewCommand(int enter) {
   if (IsNavigation() || !Session.MapVisible || Session.SessionState == SESSION_LOGGING) return;
   if (enter && !Session.ReviewActive) {
     EnterMapReview();
+    ShowMapChannelTitle();
     ShowSet(LoggingWindows.StandBySet, 0);
     for (int i = 4; i <= 6; ++i) {
       ShowWindow(LoggingWindows.Review[i], SW_SHOW);
@@ -374,7 +383,9 @@ void ReviewCommand(int enter) {
     ShowWindow(LoggingWindows.Review[8], SW_SHOW);
     EnableWindow(LoggingWindows.Review[8], TRUE);
   } else if (!enter && Session.ReviewActive) {
-    ExitMapReview();
+    // The screen first, then the map and the profile from the files.
+    LeaveMapReview();
+    RecomputeColourWidth();
     ShowChannelButtons(1);
     for (int i = 4; i <= 6; ++i) ShowWindow(LoggingWindows.Review[i], SW_HIDE);
     ShowWindow(LoggingWindows.Review[8], SW_HIDE);
@@ -382,7 +393,22 @@ void ReviewCommand(int enter) {
     if (Session.SessionState == SESSION_STANDBY) ShowStandBySet();
     else ShowSet(LoggingWindows.MonitoringSet, 1);
     RepaintLoggingScreen();
+    RedrawMap(REDRAW_SCALE);
+    RedrawProfiles();
+    Session.ProcessingEnabled = 1;
   }
+}
+
+// "Sc&ale Readings": the readouts on the new scales, the profile drawn
+// anew, and the colour image too when it is drawn on a changed scale.
+void ScaleReadingsCommand() {
+  const ScaleRanges before = CurrentScaleRanges();
+  if (!RunScaleReadingsDialog(Windows.ScreenLog)) return;
+  RepaintLoggingScreen();
+  RepaintReadouts();
+  RedrawProfiles();
+  if (Session.MapVisible && Settings.GpsInput != 0 && ColourImageScaleChanged(before, CurrentScaleRanges()))
+    RedrawMap(REDRAW_DRAWING);
 }
 
 void RunCommand(int code) {
@@ -423,15 +449,13 @@ void RunCommand(int code) {
     case CMD_ENTER_BACKGROUND: EnterBackgroundFilesCommand(Windows.ScreenLog); break;
     case CMD_REMOVE_BACKGROUND: RemoveBackgroundFilesCommand(Windows.ScreenLog); break;
     case CMD_EXIT_REVIEW: ReviewCommand(0); break;
-    case CMD_SCALE_READINGS:
-      if (RunScaleReadingsDialog(Windows.ScreenLog)) {
-        RepaintLoggingScreen();
-        RepaintReadouts();
-      }
-      break;
+    case CMD_SCALE_READINGS: ScaleReadingsCommand(); break;
     case CMD_SCALE_SPEED_BAR: RunSpeedScaleDialog(Windows.ScreenLog); break;
     case CMD_PROFILE_OPTIONS:
-      if (RunDisplaySetupDialog(Windows.ScreenLog)) RepaintReadouts();
+      if (RunDisplaySetupDialog(Windows.ScreenLog)) {
+        RepaintReadouts();
+        RedrawProfiles();
+      }
       break;
     case CMD_AUDIO_OPTIONS: RunAudioOptionsDialog(Windows.ScreenLog); break;
     case CMD_CHANNEL_1: case CMD_CHANNEL_1 + 1: case CMD_CHANNEL_1 + 2: case CMD_CHANNEL_1 + 3:

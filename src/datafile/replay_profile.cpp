@@ -1,0 +1,130 @@
+#include "datafile/replay_profile.h"
+
+#include <cstring>
+
+#include "datafile/record_cursor.h"
+#include "datafile/replay_map.h"
+#include "instruments/instrument.h"
+#include "map/profile_views.h"
+
+ProfileReplayPlanRecord ProfileReplayPlan;
+
+namespace {
+
+constexpr int COLUMN_STEP = 2;   // one reading moves the live profile two pixels
+
+// Readings by their tag: a 'T' takes a column of its own; the stacked
+// readings of a Manual station ('2' to '6') and the second kind of frame
+// ('t') stand in the column of the 'T' before them.
+enum TagKind { TAG_OTHER, TAG_OWN_COLUMN, TAG_SHARED_COLUMN };
+
+TagKind KindOfTag(int tag) {
+  if (tag == 'T') return TAG_OWN_COLUMN;
+  if (tag == 't' || (tag >= '2' && tag <= '6')) return TAG_SHARED_COLUMN;
+  return TAG_OTHER;
+}
+
+// A station, or a pause: the curves break, and a column stays empty.
+bool IsBreak(const unsigned char* record) {
+  if (record[0] == 'S') return true;
+  return record[0] == 'X' && memcmp(record + 1, "PAUSED", 6) == 0;
+}
+
+// The newer reading of a column keeps its curve: met first going backward.
+void MergeIntoColumn(ProfileReplayColumn& column, const ReadingOutcome& out) {
+  int count = out.ProfileCount;
+  if (count > OUTCOME_PROFILE_CHANNELS) count = OUTCOME_PROFILE_CHANNELS;
+  if (count > column.Count) column.Count = count;
+  for (int i = 0; i < count; ++i) {
+    if (!out.ProfileOn[i] || column.On[i]) continue;
+    column.On[i] = 1;
+    column.Pixel[i] = out.ProfilePixel[i];
+  }
+}
+
+bool ColumnEmpty(const ProfileReplayColumn& column) {
+  for (int i = 0; i < column.Count; ++i)
+    if (column.On[i]) return false;
+  return true;
+}
+
+// Going backward past an "O1".."O6" record: the readings before it were
+// decoded with the values that it replaced.
+void TakeOlderCalibration(const unsigned char* record) {
+  if (!Instrument().DataFile.OffsetRecords || record[1] < '1' || record[1] > '6') return;
+  ReplayCalibrationRecord& c = ReplayCalibration;
+  TakeReplayCalibration(record);
+  const int k = record[1] - '1';
+  c.Offsets[k] = c.PreviousOffsets[k];
+}
+
+// Columns were planned newest first; the screen plays them oldest first.
+void PutOldestFirst(int count) {
+  ProfileReplayPlanRecord& plan = ProfileReplayPlan;
+  // Empty columns before the oldest reading draw nothing.
+  while (count > 0 && ColumnEmpty(plan.Columns[count - 1])) --count;
+  // Every column speaks for all curves, so that a curve broken by an empty
+  // column starts afresh after it.
+  int curves = 0;
+  for (int i = 0; i < count; ++i)
+    if (plan.Columns[i].Count > curves) curves = plan.Columns[i].Count;
+  for (int i = 0; i < count; ++i) plan.Columns[i].Count = curves;
+  for (int i = 0, j = count - 1; i < j; ++i, --j) {
+    const ProfileReplayColumn kept = plan.Columns[i];
+    plan.Columns[i] = plan.Columns[j];
+    plan.Columns[j] = kept;
+  }
+  plan.ColumnCount = count;
+}
+
+}  // namespace
+
+void PlanProfileReplay(const ReplayFile& file, int width) {
+  ProfileReplayPlanRecord& plan = ProfileReplayPlan;
+  plan.ColumnCount = 0;
+  plan.Records = 0;
+  plan.StoppedAtLineStart = plan.WindowFull = 0;
+  ReplayCalibration = ReplayCalibrationRecord();
+  for (int k = 0; k < 6; ++k) ReplayCalibration.Offsets[k] = CalibrationValues.Em38Mk2Offsets[k];
+
+  RecordCursor& cursor = ReplayRecords;
+  OpenRecordsBackward(cursor, file);
+  auto readingOf = Instrument().Reading.ReplayProfileReading;
+  int x = ProfileColumn(width);
+  int column = 0;
+  if (x >= 0) plan.Columns[0] = ProfileReplayColumn();
+  unsigned char record[RECORD_BUFFER_BYTES];
+  while (x >= 0 && column < PROFILE_REPLAY_COLUMNS && PreviousRecord(cursor, record)) {
+    ++plan.Records;
+    const int tag = record[0];
+    const TagKind kind = KindOfTag(tag);
+    bool advance = false;
+    if (kind != TAG_OTHER) {
+      ReadingOutcome out;
+      if (readingOf && readingOf(record, out)) {
+        MergeIntoColumn(plan.Columns[column], out);
+        advance = kind == TAG_OWN_COLUMN;
+      }
+    } else if (IsBreak(record)) {
+      advance = true;
+    } else if (tag == 'O') {
+      TakeOlderCalibration(record);
+    } else if (tag == 'Z') {
+      plan.StoppedAtLineStart = 1;
+      break;
+    }
+    if (!advance) continue;
+    x -= COLUMN_STEP;
+    if (x < 0 || column + 1 >= PROFILE_REPLAY_COLUMNS) {
+      plan.WindowFull = 1;
+      ++column;
+      break;
+    }
+    plan.Columns[++column] = ProfileReplayColumn();
+  }
+  // The column in progress counts when a reading stands in it.
+  int count = column;
+  if (column < PROFILE_REPLAY_COLUMNS && !plan.WindowFull && !ColumnEmpty(plan.Columns[column])) count = column + 1;
+  PutOldestFirst(count);
+  SeekRecordsToEnd(cursor);
+}

@@ -1,0 +1,74 @@
+// The replays read the open data file through the writers' own handle:
+// moved, read, and put back at its end when a pass ends, so that the next
+// record goes where it belongs. Nothing is written meanwhile: replays run
+// on the screen's thread outside Logging, and positions are not drawn while
+// one runs.
+#include "datafile/replay_win.h"
+
+#include "core/platform_win.h"
+#include "core/state.h"
+#include "datafile/replay_map.h"
+#include "datafile/replay_profile.h"
+#include "map/map_canvas.h"
+#include "map/map_surface.h"
+#include "map/profile_views.h"
+#include "map/profile_views_win.h"
+#include "session/logging_screen_win.h"
+
+namespace {
+
+long long DataFileSeek(void* context, long long offset, int origin) {
+  LARGE_INTEGER to, now;
+  to.QuadPart = offset;
+  if (!SetFilePointerEx((HANDLE)context, to, &now, origin == REPLAY_SEEK_END ? FILE_END : FILE_BEGIN)) return -1;
+  return now.QuadPart;
+}
+
+long DataFileRead(void* context, char* bytes, long count) {
+  DWORD got = 0;
+  if (!ReadFile((HANDLE)context, bytes, (DWORD)count, &got, nullptr)) return 0;
+  return (long)got;
+}
+
+ReplayFile OpenDataFile() {
+  ReplayFile file;
+  file.Context = (void*)DataFileState.DataFile;
+  file.Seek = DataFileSeek;
+  file.Read = DataFileRead;
+  return file;
+}
+
+bool DataFileOpen() { return DataFileState.DataFile != NO_HANDLE && (HANDLE)DataFileState.DataFile != INVALID_HANDLE_VALUE; }
+
+// Positions are decoded but not drawn while a replay runs.
+void ReplayMapOfDataFile() {
+  if (!DataFileOpen()) return;
+  const int processing = Session.ProcessingEnabled;
+  Session.ProcessingEnabled = 0;
+  MapDrawing.UseWindow((HandleWord)LoggingWindows.Map);
+  ReplayMapFrom(OpenDataFile());
+  Session.ProcessingEnabled = processing;
+}
+
+}  // namespace
+
+void InstallReplay() { MapCallPoints.ReplayMap = ReplayMapOfDataFile; }
+
+void RedrawProfiles() {
+  HWND curve = LoggingWindows.Curves[0];
+  if (!curve || !IsWindowVisible(curve) || !DataFileOpen()) return;
+  const int processing = Session.ProcessingEnabled;
+  Session.ProcessingEnabled = 0;
+  // The window is erased and its scale lines painted first, as its paint does.
+  RedrawWindow(curve, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+  RECT client;
+  GetClientRect(curve, &client);
+  PlanProfileReplay(OpenDataFile(), client.right - client.left);
+  for (int i = 0; i < PROFILE_CHANNELS; ++i) ProfileMemory.HasPoint[i] = 0;
+  const ProfileReplayPlanRecord& plan = ProfileReplayPlan;
+  for (int i = 0; i < plan.ColumnCount; ++i) {
+    const ProfileReplayColumn& column = plan.Columns[i];
+    ProfileScroll(curve, column.Pixel, column.On, column.Count, Scales.ProfileTicks);
+  }
+  Session.ProcessingEnabled = processing;
+}
