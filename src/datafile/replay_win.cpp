@@ -9,6 +9,7 @@
 #include "core/state.h"
 #include "datafile/replay_map.h"
 #include "datafile/replay_profile.h"
+#include "datafile/replay_file_win.h"
 #include "map/map_canvas.h"
 #include "map/map_surface.h"
 #include "map/profile_views.h"
@@ -16,27 +17,6 @@
 #include "session/logging_screen_win.h"
 
 namespace {
-
-long long DataFileSeek(void* context, long long offset, int origin) {
-  LARGE_INTEGER to, now;
-  to.QuadPart = offset;
-  if (!SetFilePointerEx((HANDLE)context, to, &now, origin == REPLAY_SEEK_END ? FILE_END : FILE_BEGIN)) return -1;
-  return now.QuadPart;
-}
-
-long DataFileRead(void* context, char* bytes, long count) {
-  DWORD got = 0;
-  if (!ReadFile((HANDLE)context, bytes, (DWORD)count, &got, nullptr)) return 0;
-  return (long)got;
-}
-
-ReplayFile OpenDataFile() {
-  ReplayFile file;
-  file.Context = (void*)DataFileState.DataFile;
-  file.Seek = DataFileSeek;
-  file.Read = DataFileRead;
-  return file;
-}
 
 bool DataFileOpen() { return DataFileState.DataFile != NO_HANDLE && (HANDLE)DataFileState.DataFile != INVALID_HANDLE_VALUE; }
 
@@ -46,7 +26,7 @@ void ReplayMapOfDataFile() {
   const int processing = Session.ProcessingEnabled;
   Session.ProcessingEnabled = 0;
   MapDrawing.UseWindow((HandleWord)LoggingWindows.Map);
-  ReplayMapFrom(OpenDataFile());
+  ReplayMapFrom(ReplayFileOfHandle(DataFileState.DataFile));
   Session.ProcessingEnabled = processing;
 }
 
@@ -63,7 +43,7 @@ void RedrawProfiles() {
   RedrawWindow(curve, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
   RECT client;
   GetClientRect(curve, &client);
-  PlanProfileReplay(OpenDataFile(), client.right - client.left);
+  PlanProfileReplay(ReplayFileOfHandle(DataFileState.DataFile), client.right - client.left);
   for (int i = 0; i < PROFILE_CHANNELS; ++i) ProfileMemory.HasPoint[i] = 0;
   const ProfileReplayPlanRecord& plan = ProfileReplayPlan;
   for (int i = 0; i < plan.ColumnCount; ++i) {

@@ -185,7 +185,11 @@ TEST(RecordsOfTheNavigationProductAre24Bytes) {
 TEST(RecordsComeBackwardFromTheLastWholeRecord) {
   SelectVariant(EM31MK2, 0);
   std::string bytes;
-  for (int i = 0; i < 5000; ++i) bytes += Record("R" + std::to_string(i));
+  char name[16];
+  for (int i = 0; i < 5000; ++i) {
+    snprintf(name, sizeof name, "R%d", i);
+    bytes += Record(name);
+  }
   bytes += "Tcut in the mid";   // a record cut short at the end
   ReplayFile file = FileOf(bytes);
   RecordCursor& cursor = ReplayRecords;
@@ -193,7 +197,8 @@ TEST(RecordsComeBackwardFromTheLastWholeRecord) {
   unsigned char record[RECORD_BUFFER_BYTES];
   for (int i = 4999; i >= 0; --i) {
     CHECK_EQ(PreviousRecord(cursor, record), 1);
-    CHECK_EQ(std::string((const char*)record).substr(0, 6).find("R" + std::to_string(i)), 0u);
+    snprintf(name, sizeof name, "R%d ", i);
+    CHECK_EQ(memcmp(record, name, strlen(name)), 0);
   }
   CHECK_EQ(PreviousRecord(cursor, record), 0);   // the start of the file
   SeekRecordsToEnd(cursor);
@@ -553,9 +558,14 @@ std::string Columns() {
   for (int i = 0; i < plan.ColumnCount; ++i) {
     const ProfileReplayColumn& c = plan.Columns[i];
     std::string column;
-    for (int k = 0; k < c.Count; ++k)
-      if (c.On[k]) column += (column.empty() ? "" : ",") + std::to_string(k) + ":" + std::to_string(c.Pixel[k]);
-    all += (all.empty() ? "" : " ") + (column.empty() ? std::string("-") : column);
+    char text[32];
+    for (int k = 0; k < c.Count; ++k) {
+      if (!c.On[k]) continue;
+      snprintf(text, sizeof text, "%s%d:%d", column.empty() ? "" : ",", k, c.Pixel[k]);
+      column += text;
+    }
+    if (!all.empty()) all += ' ';
+    all += column.empty() ? std::string("-") : column;
   }
   return all;
 }
@@ -631,3 +641,48 @@ TEST(ProfileOfJunkNeverBreaks) {
   CHECK(ProfileReplayPlan.ColumnCount <= PROFILE_REPLAY_COLUMNS);
   CHECK_EQ(Memory.Position, Memory.Size);
 }
+
+// ---------------------------------------------------------------- the file on Windows
+
+#ifdef _WIN32
+#include <windows.h>
+
+#include "datafile/replay_file_win.h"
+
+// The replays read through the writers' own handle: the file keeps its
+// bytes and its size, and the next record written goes to its end.
+TEST(ReplaysThroughTheDataFileHandleNeverWriteAndLeaveItAtItsEnd) {
+  FreshProfile();
+  Settings.MapDisplayMode = 1;
+  std::string bytes = Header() + Record("{0             0.000") + CornerSet(1, 0.5, 2.5, 0.5, 1.5);
+  for (int i = 0; i < 3000; ++i) bytes += Em31Reading(i % 200) + CornerSet(2, 0.6 + i * 0.01, 2.5, 0.6 + i * 0.01, 1.5);
+  bytes += "T$+0100+00";   // a record cut short by a crash
+  wchar_t folder[MAX_PATH], path[MAX_PATH];
+  GetTempPathW(MAX_PATH, folder);
+  GetTempFileNameW(folder, L"rpl", 0, path);
+  HANDLE file = CreateFileW(path, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  CHECK(file != INVALID_HANDLE_VALUE);
+  DWORD written = 0;
+  WriteFile(file, bytes.data(), (DWORD)bytes.size(), &written, nullptr);
+  CHECK_EQ((size_t)written, bytes.size());
+  for (int pass = 0; pass < 3; ++pass) {
+    ReplayMapFrom(ReplayFileOfHandle((HandleWord)file));
+    PlanProfileReplay(ReplayFileOfHandle((HandleWord)file), 400);
+  }
+  CHECK_EQ(ReplayMapCounts.Readings, 3000);
+  CHECK_EQ(ProfileReplayPlan.ColumnCount, 196);
+  LARGE_INTEGER zero = {}, at = {};
+  SetFilePointerEx(file, zero, &at, FILE_CURRENT);
+  CHECK_EQ((long long)at.QuadPart, (long long)bytes.size());
+  WriteFile(file, "X", 1, &written, nullptr);
+  CloseHandle(file);
+  std::string after;
+  char narrow[MAX_PATH * 2];
+  WideCharToMultiByte(CP_ACP, 0, path, -1, narrow, sizeof narrow, nullptr, nullptr);
+  CHECK(testing::ReadWholeFile(narrow, after));
+  DeleteFileW(path);
+  CHECK_EQ(after.size(), bytes.size() + 1);
+  CHECK(after.compare(0, bytes.size(), bytes) == 0);
+  CHECK_EQ(after.back(), 'X');
+}
+#endif
