@@ -35,6 +35,9 @@ struct GdiMapRecord {
   HDC CanvasDc = nullptr;
   HGDIOBJ CanvasFirstBitmap = nullptr;
   uint32_t Selected = 0;
+  // A packed page chosen for drawing is unpacked only when something is
+  // drawn into it: a page that is only filled white stays packed.
+  uint32_t Pending = 0;
   HWND Window = nullptr;
   HDC WindowDcOverride = nullptr;
   int LivePages = 0;               // DIB sections held
@@ -213,6 +216,7 @@ uint32_t GdiCreatePage(int side) {
 void GdiDeletePage(uint32_t id) {
   GdiPage* page = PageOf(id);
   if (page == nullptr) return;
+  if (GdiMap.Pending == id) GdiMap.Pending = 0;
   if (GdiMap.Selected == id) {
     SelectObject(CanvasDc(), GdiMap.CanvasFirstBitmap);
     GdiMap.Selected = 0;
@@ -223,24 +227,68 @@ void GdiDeletePage(uint32_t id) {
   GdiMap.FreePages.push_back(id);
 }
 
-void GdiSelectPage(uint32_t id) {
+void SelectHeldPage(uint32_t id) {
   GdiPage* page = HeldPage(id);
   if (page == nullptr) return;
+  // The selected page is never packed, so it is still in the context.
+  if (GdiMap.Selected == id) return;
   SelectObject(CanvasDc(), page->Bitmap);
   GdiMap.Selected = id;
 }
 
+// The page chosen last, unpacked, before anything is drawn into it.
+void TakePendingPage() {
+  const uint32_t id = GdiMap.Pending;
+  if (id == 0) return;
+  GdiMap.Pending = 0;
+  SelectHeldPage(id);
+}
+
+void GdiSelectPage(uint32_t id) {
+  GdiPage* page = PageOf(id);
+  if (page == nullptr) return;
+  if (page->Bitmap) {
+    GdiMap.Pending = 0;
+    SelectHeldPage(id);
+    return;
+  }
+  page->LastUse = ++GdiMap.UseClock;
+  GdiMap.Pending = id;
+}
+
+// A white page of `side` pixels, packed once.
+const std::vector<uint8_t>& PackedWhitePage(int side) {
+  static std::vector<uint8_t> packed;
+  static int packedSide = 0;
+  if (packedSide != side) {
+    std::vector<uint8_t> white((size_t)(RowBytes(side) * side), 0xFF);
+    PackPage(white.data(), RowBytes(side), side, packed);
+    packedSide = side;
+  }
+  return packed;
+}
+
 void GdiFillPageWhite(int side) {
+  GdiPage* pending = PageOf(GdiMap.Pending);
+  if (pending && !pending->Bitmap && side >= pending->Side) {
+    GdiMap.PackedBytes -= (long long)pending->Packed.size();
+    pending->Packed = PackedWhitePage(pending->Side);
+    GdiMap.PackedBytes += (long long)pending->Packed.size();
+    return;
+  }
+  TakePendingPage();
   if (GdiMap.Selected == 0) return;
   PatBlt(CanvasDc(), 0, 0, side, side, WHITENESS);
 }
 
 void GdiPageLine(int pen, int x1, int y1, int x2, int y2) {
+  TakePendingPage();
   if (GdiMap.Selected == 0) return;
   DrawLine(CanvasDc(), pen, x1, y1, x2, y2);
 }
 
 void GdiPageEllipse(int pen, int brush, int left, int top, int right, int bottom) {
+  TakePendingPage();
   if (GdiMap.Selected == 0) return;
   DrawEllipse(CanvasDc(), pen, brush, left, top, right, bottom);
 }
@@ -340,6 +388,7 @@ void ReleaseGdiMapSurface() {
   if (GdiMap.CanvasDc) DeleteDC(GdiMap.CanvasDc);
   GdiMap.CanvasDc = nullptr;
   GdiMap.Selected = 0;
+  GdiMap.Pending = 0;
   GdiMap.LivePages = 0;
   GdiMap.PageBytes = 0;
   GdiMap.PackedBytes = 0;
@@ -347,7 +396,10 @@ void ReleaseGdiMapSurface() {
 
 void UseMapWindowDc(HDC dc) { GdiMap.WindowDcOverride = dc; }
 
-HDC MapCanvasDc() { return GdiMap.Selected ? CanvasDc() : nullptr; }
+HDC MapCanvasDc() {
+  TakePendingPage();
+  return GdiMap.Selected ? CanvasDc() : nullptr;
+}
 
 COLORREF MapPagePixel(uint32_t id, int x, int y) {
   GdiPage* page = HeldPage(id);

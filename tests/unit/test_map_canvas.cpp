@@ -839,3 +839,39 @@ TEST(GdiPagesBeyondTheHeldOnesArePackedAndComeBack) {
   CHECK_EQ(MapGdiPackedBytes(), 0);
 #endif
 }
+
+// A repaint clears every data page; a packed one is cleared without being
+// unpacked, and is unpacked only when something is drawn into it again.
+TEST(GdiPackedPagesClearedWhiteStayPackedUntilDrawnInto) {
+#ifndef _WIN32
+  SKIP("GDI pages exist only on Windows");
+#else
+  StartGdiMap(WINDOW, 40);
+  const int count = 300;
+  std::vector<uint32_t> pages;
+  for (int i = 0; i < count; ++i) {
+    pages.push_back(EnsureTile(700 + i % 20, 700 + i / 20, 1));
+    MapDrawing.PageLine(MAP_PEN_POSITION1, i % 40, 0, i % 40, 40);
+  }
+  const long long packedBefore = MapGdiPackedBytes();
+  MapCanvas.MinCol = 700;
+  MapCanvas.MaxCol = 719;
+  MapCanvas.MinRow = 700;
+  MapCanvas.MaxRow = 714;
+  RedrawTiles(REDRAW_DRAWING);
+  CHECK(MapGdiPackedBytes() < packedBefore);
+  CHECK(MapGdiPageCount() <= 96);
+  int wrong = 0;
+  for (int i = 0; i < count; ++i)
+    if (MapPagePixel(pages[i], i % 40, 20) != WHITE_PIXEL) ++wrong;
+  CHECK_EQ(wrong, 0);
+  // Drawn into again, a cleared page keeps what is drawn.
+  EnsureTile(700, 700, 1);
+  MapDrawing.PageLine(MAP_PEN_POSITION1, 7, 0, 7, 40);
+  for (int i = 1; i < count; ++i) EnsureTile(700 + i % 20, 700 + i / 20, 1);
+  CHECK_EQ(MapPagePixel(pages[0], 7, 20), POSITION_PIXEL);
+  CHECK_EQ(MapPagePixel(pages[0], 0, 20), WHITE_PIXEL);
+  ResetMapCanvas();
+  CHECK_EQ(MapGdiPageCount(), 0);
+#endif
+}
