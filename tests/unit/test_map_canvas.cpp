@@ -688,6 +688,18 @@ void StartGdiMap(int windowSide, int mapSize) {
   if (Tools.PenCursor == nullptr) CreateMapPens(0);
 }
 
+// A fresh GDI map with `count` data pages, 20 in a row, each with a column
+// of its own drawn (column i % 40 of page i): far more than are held.
+std::vector<uint32_t> DrawIntoManyGdiPages(int count) {
+  StartGdiMap(WINDOW, 40);
+  std::vector<uint32_t> pages;
+  for (int i = 0; i < count; ++i) {
+    pages.push_back(EnsureTile(700 + i % 20, 700 + i / 20, 1));
+    MapDrawing.PageLine(MAP_PEN_POSITION1, i % 40, 0, i % 40, 40);
+  }
+  return pages;
+}
+
 }  // namespace
 #endif
 
@@ -816,14 +828,8 @@ TEST(GdiPagesBeyondTheHeldOnesArePackedAndComeBack) {
 #ifndef _WIN32
   SKIP("GDI pages exist only on Windows");
 #else
-  StartGdiMap(WINDOW, 40);
   const int count = 300;
-  std::vector<uint32_t> pages;
-  for (int i = 0; i < count; ++i) {
-    uint32_t page = EnsureTile(700 + i % 20, 700 + i / 20, 1);
-    MapDrawing.PageLine(MAP_PEN_POSITION1, i % 40, 0, i % 40, 40);   // a column unique to the page
-    pages.push_back(page);
-  }
+  std::vector<uint32_t> pages = DrawIntoManyGdiPages(count);
   CHECK(MapGdiPageCount() <= 96);
   CHECK(MapGdiPackedBytes() > 0);
   int wrong = 0;
@@ -846,13 +852,8 @@ TEST(GdiPackedPagesClearedWhiteStayPackedUntilDrawnInto) {
 #ifndef _WIN32
   SKIP("GDI pages exist only on Windows");
 #else
-  StartGdiMap(WINDOW, 40);
   const int count = 300;
-  std::vector<uint32_t> pages;
-  for (int i = 0; i < count; ++i) {
-    pages.push_back(EnsureTile(700 + i % 20, 700 + i / 20, 1));
-    MapDrawing.PageLine(MAP_PEN_POSITION1, i % 40, 0, i % 40, 40);
-  }
+  std::vector<uint32_t> pages = DrawIntoManyGdiPages(count);
   const long long packedBefore = MapGdiPackedBytes();
   MapCanvas.MinCol = 700;
   MapCanvas.MaxCol = 719;
