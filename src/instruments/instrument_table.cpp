@@ -5,6 +5,7 @@
 
 #include "core/main_menu_summary.h"
 #include "core/numeric.h"
+#include "core/setup_lists.h"
 #include "core/state.h"
 #include "core/variant.h"
 #include "datafile/header_configuration.h"
@@ -138,6 +139,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .HeaderConfiguration = GradiometerHeaderConfiguration},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_SENSORS, .DotRadius = 0.2, .Width = 0.0, .Length = 0.1, .PictureGeometry = GradiometerPicture,
                      .SummaryCells = GradiometerSummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP601", .SystemTemplate = L"SYSTEM601", .SystemNarrowTemplate = L"SYSTEMNARROW601",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY601", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY601", .ProfilesTemplate = L"DISPLAYSETUP601",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = nullptr, .Dipoles = nullptr,
+                  .ManualDipoles = nullptr, .Types = nullptr, .GeometryChoices = nullptr, .MapViews = &GradiometerViewNames},
     },
     {
         .Model = EM61LX2,
@@ -178,6 +183,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .HeaderConfiguration = Lx2HeaderConfiguration},
         .MainMenu = {.GeometryButton = L"Alarms S&etup", .Picture = PICTURE_YELLOW_COILS, .DotRadius = 0.1, .Width = 1.0, .Length = 0.5, .PictureGeometry = Lx2Picture,
                      .SummaryCells = Lx2SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUPLX2", .SystemTemplate = L"SYSTEMLX2", .SystemNarrowTemplate = L"SYSTEMLX2V",
+                  .ButtonThreeTemplate = L"ALARMLX2", .ButtonThreeNarrowTemplate = L"ALARMLX2", .ProfilesTemplate = L"DISPLAYSETUPLX2",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = nullptr, .Dipoles = nullptr,
+                  .ManualDipoles = nullptr, .Types = &Lx2TypeNames, .GeometryChoices = nullptr, .MapViews = &Lx2ViewNames},
     },
     {
         .Model = EM61MK2,
@@ -218,6 +227,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .HeaderConfiguration = Em61Mk2HeaderConfiguration},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_RED_COIL, .DotRadius = 0.1, .Width = 1.0, .Length = 0.5, .PictureGeometry = Em61Mk2Picture,
                      .SummaryCells = Em61Mk2SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRYNARROW", .ProfilesTemplate = L"DISPLAYSETUP",
+                  .SurveyModes = &Em61Mk2Modes, .SurveyModeValues = Em61Mk2ModeValues, .Components = nullptr, .Dipoles = nullptr,
+                  .ManualDipoles = nullptr, .Types = &Em61Mk2TypeNames, .GeometryChoices = &SensorSizeNames, .MapViews = &Em61Mk2ViewNames},
     },
     {
         .Model = EM31MK2,
@@ -257,6 +270,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .HeaderConfiguration = CoilLengthHeaderConfiguration},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BOOM, .DotRadius = 0.18, .Width = 0.16, .Length = 3.6, .PictureGeometry = Em31Picture,
                      .SummaryCells = Em31SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP31", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY31", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY31", .ProfilesTemplate = L"DISPLAYSETUP31",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = &Em31ComponentNames, .Dipoles = &DipoleModeNames,
+                  .ManualDipoles = nullptr, .Types = &CoilLengthTypeNames, .GeometryChoices = nullptr, .MapViews = &Em31ViewNames},
     },
     {
         .Model = EM38,
@@ -296,6 +313,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .NavigationDefaultExtension = "H38", .HeaderConfiguration = CoilLengthHeaderConfiguration},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BAR, .DotRadius = 0.1, .Width = 0.05, .Length = 1.0, .PictureGeometry = nullptr,
                      .SummaryCells = Em38SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP38", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY38", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY38", .ProfilesTemplate = L"DISPLAYSETUP31",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = &Em38ComponentNames, .Dipoles = &DipoleModeNames,
+                  .ManualDipoles = nullptr, .Types = nullptr, .GeometryChoices = nullptr, .MapViews = &Em38ViewNames},
     },
     {
         .Model = EM343,
@@ -335,6 +356,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .HeaderConfiguration = CoilReferenceHeaderConfiguration},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_END_COILS, .DotRadius = 0.6, .Width = 1.2, .Length = 10.0, .PictureGeometry = Em343Picture,
                      .SummaryCells = Em343SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP34", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY34", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY34", .ProfilesTemplate = L"DISPLAYSETUP34",
+                  .SurveyModes = &Em343Modes, .SurveyModeValues = Em343ModeValues, .Components = nullptr, .Dipoles = &Em343SeparationNames,
+                  .ManualDipoles = &Em343ReadingCountNames, .Types = nullptr, .GeometryChoices = &CoilReferenceNames, .MapViews = nullptr},
     },
     {
         .Model = EM38MK2,
@@ -374,6 +399,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .HeaderConfiguration = Em38Mk2HeaderConfiguration},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BAR_MK2, .DotRadius = 0.1, .Width = 0.04, .Length = 1.0, .PictureGeometry = nullptr,
                      .SummaryCells = Em38Mk2SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP38MK2", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY38", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY38", .ProfilesTemplate = L"DISPLAYSETUP38MK2",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = nullptr, .Dipoles = &DipoleModeNames,
+                  .ManualDipoles = nullptr, .Types = &Em38Mk2TypeNames, .GeometryChoices = nullptr, .MapViews = &Em38Mk2ViewNames},
     },
 };
 

@@ -31,7 +31,9 @@ void PrepareSessionState() {
   const InstrumentDescription& row = Instrument();
   Link.LinkLostShown = 0;
   if (!row.Views.SensorChoice) Settings.SensorCount = 0;
-  Model.DecayChannelPrev = Model.DecayChannelLast - 1;
+  // The decay curve's previous channel is stepped back from the last one by
+  // one, two, then three: three channels before the last stands.
+  Model.DecayChannelPrev = Model.DecayChannelLast - 3;
   Link.ReadingsPerMessage = 1;
   ClearSessionClocks();
 
@@ -44,7 +46,9 @@ void PrepareSessionState() {
   Session.MapVisible = Settings.GpsInput != 0 ? 1 : 0;
   if (IsNavigation()) Settings.MapDisplayMode = 0;
 
+  // Background files of an earlier session are forgotten, names and all.
   SessionExtras.BackgroundFileCount = 0;
+  for (wchar_t* name : SessionExtras.BackgroundNames) name[0] = 0;
   ResetMapForSession();
 
   const int byRate = AudioTickEveryByRate();

@@ -11,6 +11,7 @@
 #include "instruments/reading.h"
 #include "session/model_status_texts.h"
 #include "session/session_start.h"
+#include "session/session_state.h"
 #include "testing.h"
 
 namespace {
@@ -101,6 +102,23 @@ TEST(SessionStartForgetsTheSensorCountOfSingleSensorInstruments) {
     PrepareSessionState();
     CHECK_EQ(Settings.SensorCount, (model == Grad601 || model == EM61LX2) ? 1 : 0);
   }
+}
+
+// The decay curve's previous channel starts three channels before the last,
+// and no background file of an earlier session is remembered.
+TEST(SessionStartStepsTheDecayChannelBackAndForgetsBackgroundNames) {
+  Start(EM61MK2);
+  Model.DecayChannelLast = 27;
+  SessionExtras.BackgroundFileCount = 3;
+  for (wchar_t* name : SessionExtras.BackgroundNames) { name[0] = L'x'; name[1] = 0; }
+  PrepareSessionState();
+  CHECK_EQ(Model.DecayChannelPrev, 24);
+  CHECK_EQ(SessionExtras.BackgroundFileCount, 0);
+  for (const wchar_t* name : SessionExtras.BackgroundNames) CHECK_EQ((int)name[0], 0);
+  Start(EM31MK2);
+  Model.DecayChannelLast = 24;   // the navigation EM31-MK2's last channel
+  PrepareSessionState();
+  CHECK_EQ(Model.DecayChannelPrev, 21);
 }
 
 // Readings a second: under 4 one tick a reading, under 8 every second, under
