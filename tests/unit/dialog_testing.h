@@ -50,7 +50,9 @@ inline std::string ListOf(const DialogImage& image, int id) {
   std::string out;
   for (int i = 0; i < c->ItemCount; ++i) {
     if (i) out += "|";
-    out += i == c->Selected ? "[" + std::string(c->Items[i]) + "]" : std::string(c->Items[i]);
+    if (i == c->Selected) out += "[";
+    out += c->Items[i];
+    if (i == c->Selected) out += "]";
   }
   return out;
 }
