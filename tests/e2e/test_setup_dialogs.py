@@ -12,6 +12,7 @@ import termios
 import time
 
 import harness
+import test_gps_survey as survey_test
 import test_session_start as session
 import test_settings as first
 
@@ -257,7 +258,26 @@ def em31_session(checks, box, p, changed):
         box.key(d, "Escape")
         checks.check(box.window_gone("Map Display Options"), "Escape cancels")
         checks.equal(p.read(), expected(first.EM31MK2, changed), "Cancel writes nothing")
+    # GPS Warning Mask: the labels of GGA/GSA, four more satellites.
+    box.key(screen, "w")
+    d = box.wait_title("GPS Warning Mask")
+    checks.check(d is not None, "W opens the GPS warning mask in the session")
+    if d:
+        checks.equal(control(box, 1445, "GPS Warning Mask")[0], "PDOP", "the mask names the dilution of GGA/GSA")
+        box.key(d, "Tab", "Tab", "Tab", "Down", "Down", "Down", "Down", "Return")
+        box.window_gone("GPS Warning Mask")
+        changed[71] = "11"
+        checks.equal(p.read(), expected(first.EM31MK2, changed), "the warning mask is saved")
+
+    # A data file: Stand By, and the review row is offered at once.
+    made = survey_test.create_file(box, screen, "dialogs")
+    checks.check(made, "File brings Stand By")
+    if made:
+        checks.equal(control(box, 470)[1], True, "the review row's Lf is enabled after File")
+        checks.equal(control(box, 477)[1], True, "and Enter Review too")
     box.key(screen, "x")
+    if made:
+        survey_test.answer(box, "Confirm Exit")
     session.control_visible(box, 420, "&Logging", timeout=20)
 
 
