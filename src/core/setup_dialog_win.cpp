@@ -15,6 +15,7 @@ struct OpenSetupDialogRecord {
   const SetupDialogForm* Form = nullptr;
   DialogImage Image;
   int Applying = 0;            // the dialog's own changes are no operator's
+  int DrawnId = 0;             // the owner-drawn control, once it has been drawn
 };
 OpenSetupDialogRecord OpenDialog;
 
@@ -123,6 +124,11 @@ void PlaceOnOwner(HWND dialog) {
   SetWindowPos(dialog, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+// The owner-drawn control shows the fields: it is drawn again after a change.
+void RedrawOwnerDrawn(HWND dialog) {
+  if (OpenDialog.DrawnId) InvalidateRect(GetDlgItem(dialog, OpenDialog.DrawnId), nullptr, FALSE);
+}
+
 bool IsFieldChange(int code) { return code == CBN_SELCHANGE || code == BN_CLICKED || code == EN_CHANGE; }
 
 void FieldChanged(HWND dialog, int id) {
@@ -133,7 +139,7 @@ void FieldChanged(HWND dialog, int id) {
   if (form.Changed) form.Changed(image, ImageIdOf(image, id), notes);
   ApplyImage(dialog, image);
   ShowSetupNotes(dialog, notes);
-  if (form.Draw) InvalidateRect(dialog, nullptr, FALSE);
+  RedrawOwnerDrawn(dialog);
 }
 
 INT_PTR CALLBACK SetupDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -141,12 +147,14 @@ INT_PTR CALLBACK SetupDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARA
   switch (message) {
     case WM_INITDIALOG:
       OpenDialog.Image = DialogImage();
+      OpenDialog.DrawnId = 0;
       form->Open(OpenDialog.Image);
       ApplyImage(dialog, OpenDialog.Image);
       PlaceOnOwner(dialog);
       return TRUE;
     case WM_DRAWITEM:
       if (!form->Draw) return FALSE;
+      OpenDialog.DrawnId = (int)reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)->CtlID;
       form->Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam), OpenDialog.Image);
       return TRUE;
     case WM_COMMAND: {
@@ -167,7 +175,7 @@ INT_PTR CALLBACK SetupDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARA
       }
       if (OpenDialog.Applying) return FALSE;
       if (form->Button && code == BN_CLICKED && form->Button(dialog, id)) {
-        if (form->Draw) InvalidateRect(dialog, nullptr, FALSE);
+        RedrawOwnerDrawn(dialog);
         return TRUE;
       }
       if (IsFieldChange(code)) FieldChanged(dialog, id);
