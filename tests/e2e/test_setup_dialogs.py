@@ -92,6 +92,14 @@ def tab(n):
     return ["Tab"] * n
 
 
+def in_session(checks, box, screen, key, title):
+    """A dialog of the logging screen opened by its key; its X window or None."""
+    box.key(screen, key)
+    dialog = box.wait_title(title)
+    checks.check(dialog is not None, "%s opens %s in the session" % (key.upper(), title))
+    return dialog
+
+
 # ---------------------------------------------------------------- EM31-MK2
 
 def em31_dialogs(checks, box):
@@ -222,9 +230,7 @@ def em31_session(checks, box, p, changed):
     screen = box.wait_window("Kelvo31")
     time.sleep(12)
     # Map Size: one foot a side cannot hold the walk.
-    box.key(screen, "s")
-    d = box.wait_title("Map Size")
-    checks.check(d is not None, "S opens Map Size in the session")
+    d = in_session(checks, box, screen, "s", "Map Size")
     if d:
         checks.equal(control(box, 1463, "Map Size")[0], "feet", "the map size is in feet")
         box.key(d, "Tab", "shift+Tab")
@@ -238,9 +244,7 @@ def em31_session(checks, box, p, changed):
         checks.equal(p.read(), expected(first.EM31MK2, changed), "the old map size is kept and saved")
 
     # Coordinates Display Units: back to UTM meters.
-    box.key(screen, "t")
-    d = box.wait_title("Set Coordinates Display Units")
-    checks.check(d is not None, "T opens the coordinate units in the session")
+    d = in_session(checks, box, screen, "t", "Set Coordinates Display Units")
     if d:
         checks.equal(control(box, 1450)[0], "UTM feet", "the units of System Setup are shown")
         box.key(d, "Up", "Return")
@@ -249,9 +253,7 @@ def em31_session(checks, box, p, changed):
         checks.equal(p.read(), expected(first.EM31MK2, changed), "the coordinate units are saved")
 
     # Map Display Options in a session: units and swath are fixed; Escape cancels.
-    box.key(screen, "y")
-    d = box.wait_title("Map Display Options")
-    checks.check(d is not None, "Y opens the map display options in the session")
+    d = in_session(checks, box, screen, "y", "Map Display Options")
     if d:
         checks.equal(control(box, 1470, "Map Display Options")[1], False, "map units fixed in a session")
         checks.equal(control(box, 1472, "Map Display Options")[1], False, "the swath fixed in a session")
@@ -259,9 +261,7 @@ def em31_session(checks, box, p, changed):
         checks.check(box.window_gone("Map Display Options"), "Escape cancels")
         checks.equal(p.read(), expected(first.EM31MK2, changed), "Cancel writes nothing")
     # GPS Warning Mask: the labels of GGA/GSA, four more satellites.
-    box.key(screen, "w")
-    d = box.wait_title("GPS Warning Mask")
-    checks.check(d is not None, "W opens the GPS warning mask in the session")
+    d = in_session(checks, box, screen, "w", "GPS Warning Mask")
     if d:
         checks.equal(control(box, 1445, "GPS Warning Mask")[0], "PDOP", "the mask names the dilution of GGA/GSA")
         box.key(d, "Tab", "Tab", "Tab", "Down", "Down", "Down", "Down", "Return")
