@@ -17,6 +17,11 @@ KELVO_NATIVE_TOOLS (native build's tools folder, for the field simulator).
 Tests that cannot run here exit with SKIP_CODE (77), which ctest reports as
 skipped.
 
+Tests run side by side (ctest -j): nothing a Sandbox makes is shared with
+another test. A long test names its parts in a module-level PARTS list and
+runs the parts named on its command line (`parts_to_run`); ctest runs each
+part as a test of its own (tests/e2e/list_parts.py).
+
 Usage:
     with Sandbox("startup", screen=(1280, 800)) as box:
         program = box.start("Kelvo31")
@@ -27,6 +32,7 @@ Usage:
 import os
 import shutil
 import signal
+import itertools
 import subprocess
 import sys
 import time
@@ -41,6 +47,10 @@ import variants  # noqa: E402  (the one variant list)
 VARIANTS = [  # name, settings folder, InstrumentModel, ProductMode
     (v["name"], v["folder"], v["model"], v["product"]) for v in variants.VARIANTS]
 PROGRAM_NAMES = [v[0] for v in VARIANTS]
+
+
+# Sandboxes of one test process, numbered so that their prefixes never meet.
+_SANDBOX_NUMBERS = itertools.count(1)
 
 
 def log(*parts):
@@ -78,6 +88,16 @@ def artefact_dir():
     path = os.path.join(work_dir(), "artefacts")
     os.makedirs(path, exist_ok=True)
     return path
+
+
+def parts_to_run(parts):
+    """The parts of a test named on its command line (ctest runs each part as
+    a test of its own), or every part when none is named."""
+    asked = sys.argv[1:] or list(parts)
+    unknown = [part for part in asked if part not in parts]
+    if unknown:
+        raise SystemExit("unknown part %s; the parts are %s" % (", ".join(unknown), ", ".join(parts)))
+    return asked
 
 
 def template_prefix():
@@ -139,7 +159,7 @@ class Sandbox:
         self.name = name
         self.screen = screen
         self.keep_prefix = keep_prefix
-        self.prefix = os.path.join(work_dir(), "run", "%s-%d" % (name, os.getpid()))
+        self.prefix = os.path.join(work_dir(), "run", "%s-%d-%d" % (name, os.getpid(), next(_SANDBOX_NUMBERS)))
         os.makedirs(os.path.dirname(self.prefix), exist_ok=True)
         copy_prefix(template_prefix(), self.prefix)
         self.processes = []
@@ -195,6 +215,27 @@ class Sandbox:
         started = Program(self, program, process)
         self.programs.append(started)
         return started
+
+    def pids(self, program):
+        """Process ids of a program running in this sandbox's prefix; other
+        tests and other users run programs of the same name at the same time."""
+        exe = (program + ".exe").encode()
+        own = ("WINEPREFIX=" + self.prefix).encode()
+        found = []
+        for entry in os.listdir("/proc"):
+            if not entry.isdigit():
+                continue
+            try:
+                with open("/proc/%s/cmdline" % entry, "rb") as f:
+                    if exe not in f.read():
+                        continue
+                with open("/proc/%s/environ" % entry, "rb") as f:
+                    if own not in f.read().split(b"\0"):
+                        continue
+            except OSError:
+                continue
+            found.append(int(entry))
+        return found
 
     def run_tool(self, tool, args=(), timeout=60):
         """Runs a Windows console tool inside the prefix and returns its output."""

@@ -304,21 +304,38 @@ def killed_while_logging(checks):
                      "a program killed while Logging leaves %d valid whole records" % len(recs))
 
 
+# Each part is a ctest test of its own, run side by side with the others: a
+# program's survey (with its GLL and RTS runs where it has them), the EM31-MK2
+# run with its instrument on, and the killed program.
+PARTS = harness.PROGRAM_NAMES + ["Kelvo31-instrument", "killed"]
+# About how long each part runs alone, so that ctest starts the longest first.
+SECONDS = dict([(name, 70) for name in harness.PROGRAM_NAMES] +
+               [("Kelvo31", 130), ("Lum31", 130), ("Kelvo38", 130), ("Lum38MK2", 130),
+                ("Kelvo31-instrument", 60), ("killed", 45)])
+
+
+def run_part(checks, part, quick):
+    if part == "Kelvo31-instrument":
+        survey(checks, "Kelvo31", instrument=True, walk=10)
+        return
+    if part == "killed":
+        killed_while_logging(checks)
+        return
+    walk = 60 if part in ("Kelvo31", "Lum31") else 20
+    if quick:
+        walk = 10
+    survey(checks, part, walk=walk)
+    # GLL (option 5) and the RTS pseudo-GGA (option 7), one mapping and one navigation program.
+    if part in ("Kelvo38", "Lum38MK2"):
+        survey(checks, part, option=5, key="GLL", walk=10)
+        survey(checks, part, option=7, key="GGA", walk=10)
+
+
 def main():
     checks = harness.Checks()
     quick = os.environ.get("KELVO_E2E_QUICK") == "1"
-    programs = harness.PROGRAM_NAMES
-    for program in programs:
-        walk = 60 if program in ("Kelvo31", "Lum31") else 20
-        if quick:
-            walk = 10
-        survey(checks, program, walk=walk)
-    # GLL (option 5) and the RTS pseudo-GGA (option 7), one mapping and one navigation program.
-    for program in ("Kelvo38", "Lum38MK2"):
-        survey(checks, program, option=5, key="GLL", walk=10)
-        survey(checks, program, option=7, key="GGA", walk=10)
-    survey(checks, "Kelvo31", instrument=True, walk=10)
-    killed_while_logging(checks)
+    for part in harness.parts_to_run(PARTS):
+        run_part(checks, part, quick)
     checks.finish()
 
 

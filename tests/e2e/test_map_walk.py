@@ -17,6 +17,9 @@ LINE_GPS_OFFSET_Y = 46
 LINE_MAP_SIZE = 65
 LINE_MAP_DISPLAY_MODE = 13
 
+# About how long this test runs alone, so that ctest starts the longest first.
+SECONDS = 140
+
 
 def blue_pixels(png, rect):
     """Pixels of the position colour (0, 0, 255) inside rect = (x, y, w, h)."""

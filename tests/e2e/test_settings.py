@@ -110,6 +110,9 @@ BY_MODEL = {
 DETAIL_PROGRAMS = ["Kelvo31", "Lum601", "Kelvo61LX2"]
 RESET_TITLE = "Reset to Default Setting"
 
+# About how long this test runs alone, so that ctest starts the longest first.
+SECONDS = 140
+
 
 def expected_lines(model, product):
     lines, navigation_version, map_mode_index = BY_MODEL[model]
