@@ -309,9 +309,9 @@ def killed_while_logging(checks):
 # run with its instrument on, and the killed program.
 PARTS = harness.PROGRAM_NAMES + ["Kelvo31-instrument", "killed"]
 # About how long each part runs alone, so that ctest starts the longest first.
-SECONDS = dict([(name, 70) for name in harness.PROGRAM_NAMES] +
-               [("Kelvo31", 130), ("Lum31", 130), ("Kelvo38", 130), ("Lum38MK2", 130),
-                ("Kelvo31-instrument", 60), ("killed", 45)])
+SECONDS = dict([(name, 50) for name in harness.PROGRAM_NAMES] +
+               [("Kelvo31", 110), ("Lum31", 110), ("Kelvo38", 110), ("Lum38MK2", 110),
+                ("Kelvo31-instrument", 35), ("killed", 25)])
 
 
 def run_part(checks, part, quick):

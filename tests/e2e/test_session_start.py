@@ -23,7 +23,7 @@ GPS_ONLY_LINE = {"Kelvo601": 4, "Lum601": 4, "Kelvo61LX2": 5, "Lum61LX2": 5,
                  "Kelvo61MK2": 4, "Lum61MK2": 4, "Kelvo38MK2": 4, "Lum38MK2": 4}
 
 # About how long this test runs alone, so that ctest starts the longest first.
-SECONDS = 80
+SECONDS = 100
 
 
 def settings_path(box, program):
