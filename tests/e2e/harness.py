@@ -20,7 +20,7 @@ skipped.
 Tests run side by side (ctest -j): nothing a Sandbox makes is shared with
 another test. A long test names its parts in a module-level PARTS list and
 runs the parts named on its command line (`parts_to_run`); ctest runs each
-part as a test of its own (tests/e2e/list_parts.py).
+part as a test of its own (tests/list_parts.py).
 
 Usage:
     with Sandbox("startup", screen=(1280, 800)) as box:
