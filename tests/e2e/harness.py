@@ -247,7 +247,7 @@ class Sandbox:
     def windows(self):
         """Windows and child controls of the prefix's programs, as dicts."""
         rows = []
-        for line in self.run_tool("list_windows").splitlines():
+        for line in self._window_list().splitlines():
             parts = line.split("\t")
             if len(parts) < 8:
                 continue
@@ -257,6 +257,18 @@ class Sandbox:
                          "enabled": parts[5] == "1", "rect": (l, t, r, b),
                          "text": "\t".join(parts[7:])})
         return rows
+
+    def _window_list(self, tries=3):
+        """The list tool's output. Rarely, with many sandboxes at work, a Wine
+        process stalls and never ends: it is stopped and the list asked for
+        again."""
+        for attempt in range(tries):
+            try:
+                return self.run_tool("list_windows", timeout=20)
+            except subprocess.TimeoutExpired as stalled:
+                log("     (list_windows stalled, attempt %d: %s)"
+                    % (attempt + 1, (stalled.stderr or b"").decode("utf-8", "replace").strip()[-500:]))
+        raise RuntimeError("list_windows stalled %d times" % tries)
 
     def wait_window(self, title, timeout=60):
         """X window id of the first window with exactly this title."""
