@@ -29,12 +29,13 @@ Usage:
         box.key(window, "x")
         assert program.wait(20) == 0
 """
+import itertools
 import os
 import shutil
 import signal
-import itertools
 import subprocess
 import sys
+import tempfile
 import time
 
 SKIP_CODE = 77
@@ -167,6 +168,7 @@ class Sandbox:
         self.display = None
         self.xvfb = None
         self._start_display()
+        self._start_wineserver()
 
     # ------------------------------------------------------------ set-up
     def _start_display(self):
@@ -189,6 +191,13 @@ class Sandbox:
         if not number.strip():
             raise RuntimeError("Xvfb did not start")
         self.display = ":" + number.decode().strip()
+
+    def _start_wineserver(self):
+        """The prefix's wineserver and system processes, up from the start
+        and kept until `close` (serve_prefix.sh says why)."""
+        subprocess.run(["bash", os.path.join(HERE, "serve_prefix.sh"), self.prefix], env=self.env(),
+                       timeout=120, check=True,
+                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def env(self):
         env = dict(os.environ)
@@ -238,11 +247,15 @@ class Sandbox:
         return found
 
     def run_tool(self, tool, args=(), timeout=60):
-        """Runs a Windows console tool inside the prefix and returns its output."""
+        """Runs a Windows console tool inside the prefix and returns its output.
+        The output comes through a file: a Wine process that the tool starts
+        would hold a pipe open after the tool has ended."""
         exe = os.path.join(tools_dir(), tool + ".exe")
-        result = subprocess.run(["wine", exe] + list(args), env=self.env(), capture_output=True,
-                                timeout=timeout, start_new_session=True)
-        return result.stdout.decode("utf-8", "replace")
+        with tempfile.TemporaryFile() as out:
+            subprocess.run(["wine", exe] + list(args), env=self.env(), stdin=subprocess.DEVNULL,
+                           stdout=out, stderr=subprocess.DEVNULL, timeout=timeout, start_new_session=True)
+            out.seek(0)
+            return out.read().decode("utf-8", "replace")
 
     def windows(self):
         """Windows and child controls of the prefix's programs, as dicts."""
@@ -265,9 +278,8 @@ class Sandbox:
         for attempt in range(tries):
             try:
                 return self.run_tool("list_windows", timeout=20)
-            except subprocess.TimeoutExpired as stalled:
-                log("     (list_windows stalled, attempt %d: %s)"
-                    % (attempt + 1, (stalled.stderr or b"").decode("utf-8", "replace").strip()[-500:]))
+            except subprocess.TimeoutExpired:
+                log("     (list_windows stalled, attempt %d)" % (attempt + 1))
         raise RuntimeError("list_windows stalled %d times" % tries)
 
     def wait_window(self, title, timeout=60):
@@ -415,6 +427,9 @@ class Sandbox:
         for program in self.programs:
             program.stop()
         subprocess.run(["wineserver", "-k"], env=self.env(), capture_output=True, timeout=30)
+        # The server is known by the prefix folder's inode, which the next new
+        # folder may get: the folder goes only once its server has ended.
+        subprocess.run(["wineserver", "-w"], env=self.env(), capture_output=True, timeout=30)
         for process in self.processes:
             if process.poll() is None:
                 try:

@@ -58,6 +58,14 @@ def sent_sentences(log_path):
     return out
 
 
+def stands_in_order(sent, sentences):
+    """True when `sentences` stand in `sent` one after another. A sentence
+    without a time of day (GSA) repeats while the fix stays the same, and a
+    recording can begin with it, so every place of the first one is tried."""
+    count = len(sentences)
+    return any(sent[at:at + count] == sentences for at, text in enumerate(sent) if text == sentences[0])
+
+
 def records(data, length):
     return [data[i:i + length] for i in range(0, len(data) - len(data) % length, length)]
 
@@ -129,11 +137,7 @@ def check_survey_file(checks, program, data, sent, option_key, walked_seconds, c
         if not sentences:
             checks.check(False, label + "GPS groups were written")
             continue
-        try:
-            at = sent.index(sentences[0])
-        except ValueError:
-            at = -1
-        checks.check(at >= 0 and sent[at:at + len(sentences)] == sentences,
+        checks.check(stands_in_order(sent, sentences),
                      label + "%d sentences in the file are the simulator's, once each and in order" % len(sentences))
         keyed = [g for g in logged if option_key in g[0]]
         seqs = [int(g[1]) for g in keyed]
