@@ -2,8 +2,9 @@
 
 A `Sandbox` owns everything one test needs and stops all of it on close:
   - its own Wine prefix, copied from the booted template (system files
-    hard-linked, registry and the rest copied), so tests never share state;
-  - its own Xvfb display at a chosen screen size;
+    hard-linked, registry and the rest copied), so tests never share state,
+    with its own wineserver kept from start to close;
+  - its own Xvfb display at a chosen screen size, numbered by Xvfb itself;
   - virtual serial ports: socat pty pairs, one end linked as comN in the
     prefix's dosdevices, the other end given to the field simulator;
   - programs started with `start()`, their windows found by title, keys
