@@ -25,7 +25,7 @@ SCREENS = [
 # Each part is a ctest test of its own, run side by side with the other.
 PARTS = ["programs", "screens"]
 # About how long each part runs alone, so that ctest starts the longest first.
-SECONDS = {"programs": 90, "screens": 35}
+SECONDS = {"programs": 120, "screens": 40}
 
 
 def every_program(checks):
