@@ -19,7 +19,7 @@ Tests that cannot run here exit with SKIP_CODE (77), which ctest reports as
 skipped.
 
 Tests run side by side (ctest -j): nothing a Sandbox makes is shared with
-another test. A long test names its parts in a module-level PARTS list and
+another test. A long test names its parts in a module-level PARTS and
 runs the parts named on its command line (`parts_to_run`); ctest runs each
 part as a test of its own (tests/list_parts.py).
 
