@@ -60,3 +60,13 @@
 
 // The GPS monitor's command dialog.
 #define IDC_GPS_COMMAND_TEXT 1330
+
+// ALARMLX2, the EM61-LX2 target alarm's settings.
+#define IDC_ALARM_LEVEL 900
+#define IDC_ALARM_TYPE 901
+#define IDC_ALARM_MIN_LEVEL 902
+#define IDC_ALARM_MAX_LEVEL 903
+#define IDC_ALARM_DESCENDING 905
+#define IDC_ALARM_AUDIO 906
+#define IDC_ALARM_WIDTH 907
+#define IDC_ALARM_CHANNEL 908

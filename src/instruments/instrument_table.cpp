@@ -9,6 +9,8 @@
 #include "core/variant.h"
 #include "datafile/header_configuration.h"
 #include "instruments/em38_link_check.h"
+#include "instruments/em61_link.h"
+#include "instruments/em61_reading.h"
 #include "instruments/em_frame_reader.h"
 #include "instruments/reading.h"
 #include "session/model_status_texts.h"
@@ -125,8 +127,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadTimeoutMultiplier = 10, .FrameMs = 55.078211059704785, .FrameLength = 14,
                  .ReadingMessage = WM_READING_LX2_ONE, .TwoSensorMessage = WM_READING_LX2_TWO, .TellsBySend = 1, .ReaderTickEvery = 9,
                  .Supervision = SUPERVISE_RECONNECT, .NullingStateAfterStart = 0, .ReadingTickIsByteTick = 1,
-                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
-        .Reading = {.Handle = nullptr},
+                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = Em61HandshakeCheck},
+        .Reading = {.Handle = TakeLx2Reading},
         .Views = {.ChannelCount = 3, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 2, 5, 2, 3, 6, 7},
                   .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -166,8 +168,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadingMessage = WM_READING_EM61, .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 9,
                  .Supervision = SUPERVISE_RECONNECT_POLLED, .NullingStateAfterStart = 0,
                  .ReadingTickIsByteTick = 1,
-                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
-        .Reading = {.Handle = nullptr},
+                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = Em61HandshakeCheck},
+        .Reading = {.Handle = TakeEm61Mk2Reading},
         .Views = {.ChannelCount = 4, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,

@@ -5,6 +5,7 @@
 
 void HandleReading(ReadingOutcome& out) {
   out = ReadingOutcome();
+  if (Session.ProcessingEnabled != 1) return;
   void (*handle)(ReadingOutcome&) = Instrument().Reading.Handle;
   if (!handle) return;
   handle(out);

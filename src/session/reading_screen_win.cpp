@@ -7,6 +7,7 @@
 #include "core/state.h"
 #include "instruments/link_supervision_win.h"
 #include "instruments/reading.h"
+#include "session/instrument_panel_win.h"
 
 namespace {
 
@@ -18,8 +19,9 @@ void EndLostLinkNotice(HWND screen) {
   shown = RECT{};
 }
 
-void ApplyReadingOutcome(HWND screen, const ReadingOutcome& out) {
+void ApplyReadingOutcome(HWND screen, ReadingOutcome& out) {
   if (out.EndLostLink) EndLostLinkNotice(screen);
+  ApplyInstrumentOutcome(screen, out);
 }
 
 }  // namespace

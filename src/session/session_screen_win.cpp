@@ -19,11 +19,13 @@
 #include "map/live_map.h"
 #include "map/scale_ticks.h"
 #include "gps/gps_reader_win.h"
+#include "instruments/instrument.h"
 #include "instruments/link_supervision.h"
 #include "instruments/link_supervision_win.h"
 #include "instruments/serial_ports_win.h"
 #include "map/map_canvas.h"
 #include "session/commands.h"
+#include "session/em61_commands_win.h"
 #include "session/logging_screen_win.h"
 #include "session/session_dialogs_win.h"
 #include "session/session_menu_win.h"
@@ -205,8 +207,7 @@ void GoCommand() {
   Session.SessionState = SESSION_LOGGING;
   ShowStatusText(3);
   ShowChannelButtons(0);
-  Link.ReaderCount = 0;
-  Link.ReadingsPerMessage = (Settings.SurveyMode == SURVEY_AUTO) ? Link.KeepEveryNth : 1;
+  LinkForLoggingStart();
   ShowWindow(LoggingWindows.Pause, SW_SHOW);
   SendMessageW(LoggingWindows.Pause, BM_SETSTYLE, 1, TRUE);
   ResetLiveMapForLogging();
@@ -226,8 +227,7 @@ void PauseCommand() {
   WriteMarkerRecord(Session.MapTooSmall == 1 ? L"PAUSED BMP" : L"PAUSED", 'X');
   ReopenDataFileAtEnd();
   ShowChannelButtons(1);
-  Link.ReaderCount = 0;
-  Link.ReadingsPerMessage = 1;
+  LinkForLoggingStop();
   UpdateSessionClocks();
   Session.LineTimeAtPause = Session.LineTimeMs;
   Session.TotalTimeAtPause = Session.TotalTimeMs;
@@ -371,16 +371,16 @@ void RunCommand(int code) {
       if (!NeedsInstrument()) break;
       if (state == SESSION_STANDBY) QuickLineCommand();
       else if (state == SESSION_MONITORING)
-        RunCommand((InstrumentModel == EM61MK2 || InstrumentModel == EM61LX2) ? CMD_NULLING : CMD_MAP_SIZE);
+        RunCommand(Instrument().Commands.Nulling ? CMD_NULLING : CMD_MAP_SIZE);
       break;
     case CMD_EXIT: LeaveToMainMenu(); break;
     case CMD_MENU: MenuCommand(); break;
     case CMD_NEW_LINE: NewLineCommand(); break;
     case CMD_NEW_STATION: NewStationCommand(); break;
     case CMD_COMMENT: CommentCommand(); break;
-    case CMD_NULLING:
-      NeedsInstrument();
-      break;
+    case CMD_NULLING: NullingCommand(); break;
+    case CMD_CALIBRATE: CalibrateCommand(); break;
+    case CMD_ALARM_SETTINGS: AlarmSettingsCommand(); break;
     case CMD_HIDE_MENU:
       RepaintLoggingScreen();
       break;

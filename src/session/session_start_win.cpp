@@ -11,6 +11,7 @@
 #include "gps/gps_reader_win.h"
 #include "gps/nmea_format.h"
 #include "gps/position_pipeline.h"
+#include "instruments/em61_session.h"
 #include "instruments/instrument.h"
 #include "instruments/instrument_reader_win.h"
 #include "instruments/link_supervision.h"
@@ -158,6 +159,7 @@ int StartInstrumentLink() {
   const InstrumentDescription& row = Instrument();
   if (row.Views.InphaseOnlyMapMode > 0 && !IsNavigation() && Settings.Component == 1)
     Settings.MapDisplayMode = row.Views.InphaseOnlyMapMode;
+  ResetEm61Session();
   if (ProveInstrumentLink() != 1) return 0;
   if (row.Link.NullingStateAfterStart >= 0) Model.NullingState = row.Link.NullingStateAfterStart;
   return 1;
