@@ -1,8 +1,11 @@
 #include "session/em61_commands_win.h"
 
+#include <initializer_list>
+
 #include "core/platform_win.h"
 #include "core/program_win.h"
 #include "core/state.h"
+#include "core/text.h"
 #include "core/ticks.h"
 #include "instruments/alarm_dialog_win.h"
 #include "instruments/em61_readers_win.h"

@@ -27,8 +27,6 @@ constexpr DWORD FLAGS_CUTTING = SND_RESOURCE | SND_ASYNC;                     //
 constexpr DWORD FLAGS_STOP = 9;
 const COLORREF LabelBlue = RGB(0, 0, 255);
 
-RECT ToRect(const PixelRect& r) { return RECT{r.X, r.Y, r.X + r.Width, r.Y + r.Height}; }
-
 HBRUSH Background() { return Tools.BrushButtonFace ? Tools.BrushButtonFace : (HBRUSH)GetStockObject(WHITE_BRUSH); }
 
 int LineHeight(HDC dc) {
