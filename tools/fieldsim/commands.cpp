@@ -67,6 +67,19 @@ bool ParseArguments(std::istringstream& words, const std::string& name, Command&
       }
       return true;
     }
+    case CommandKind::Cut:
+      if (!ParseAmount(words, command.Amount)) {
+        error = name + " needs a number of frames";
+        return false;
+      }
+      return true;
+    case CommandKind::Reply:
+      words >> command.Word;
+      if (command.Word != "normal" && command.Word != "none" && command.Word != "wrong" && command.Word != "noisy") {
+        error = "reply needs normal, none, wrong or noisy";
+        return false;
+      }
+      return true;
     default:
       return true;
   }
@@ -80,6 +93,8 @@ bool ParseCommand(const std::string& line, Command& command, std::string& error)
       {"overlong", CommandKind::Overlong},     {"close", CommandKind::Close},
       {"dollar-mid", CommandKind::DollarMid},  {"bad-checksum", CommandKind::BadChecksum},
       {"lower-checksum", CommandKind::LowerChecksum}, {"marker", CommandKind::Marker},
+      {"cut", CommandKind::Cut},               {"split", CommandKind::Split},
+      {"reply", CommandKind::Reply},
       {"quit", CommandKind::Quit}};
   std::istringstream words(line);
   std::string name;

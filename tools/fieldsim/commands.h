@@ -7,6 +7,9 @@
 //   lower-checksum              next sentence whose checksum has a hex letter, in lower case
 //   close gps|instrument        close the port for good
 //   marker                      press the instrument's button for one frame
+//   cut N                       EM61: the next N frames without their 0x7F 0x7F end
+//   split                       EM61: the next frame in two writes, 40 ms apart
+//   reply normal|none|wrong|noisy   EM61: how the next commands are answered
 //   quit
 // A script line is "at SECONDS COMMAND"; blank lines and '#' lines are skipped.
 #pragma once
@@ -18,13 +21,16 @@ namespace fieldsim {
 
 enum class Target { Gps, Instrument };
 
-enum class CommandKind { Quiet, Garbage, Overlong, DollarMid, BadChecksum, LowerChecksum, Close, Marker, Quit };
+enum class CommandKind {
+  Quiet, Garbage, Overlong, DollarMid, BadChecksum, LowerChecksum, Close, Marker, Cut, Split, Reply, Quit
+};
 
 struct Command {
   CommandKind Kind = CommandKind::Quit;
   Target Stream = Target::Gps;
   double Amount = 0.0;        // seconds for quiet, bytes for garbage and overlong
   bool WithLineEnd = false;   // overlong ... lf
+  std::string Word;           // reply normal|none|wrong|noisy
 };
 
 struct TimedCommand {
