@@ -68,6 +68,7 @@ bool ParseArguments(std::istringstream& words, const std::string& name, Command&
       return true;
     }
     case CommandKind::Cut:
+    case CommandKind::Lift:
       if (!ParseAmount(words, command.Amount)) {
         error = name + " needs a number of frames";
         return false;
@@ -94,7 +95,7 @@ bool ParseCommand(const std::string& line, Command& command, std::string& error)
       {"dollar-mid", CommandKind::DollarMid},  {"bad-checksum", CommandKind::BadChecksum},
       {"lower-checksum", CommandKind::LowerChecksum}, {"marker", CommandKind::Marker},
       {"cut", CommandKind::Cut},               {"split", CommandKind::Split},
-      {"reply", CommandKind::Reply},
+      {"reply", CommandKind::Reply},           {"lift", CommandKind::Lift},
       {"quit", CommandKind::Quit}};
   std::istringstream words(line);
   std::string name;

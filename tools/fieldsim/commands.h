@@ -8,6 +8,7 @@
 //   close gps|instrument        close the port for good
 //   marker                      press the instrument's button for one frame
 //   cut N                       EM61: the next N frames without their 0x7F 0x7F end
+//   lift N                      EM61: the coils held in the air for N seconds
 //   split                       EM61: the next frame in two writes, 40 ms apart
 //   reply normal|none|wrong|noisy   EM61: how the next commands are answered
 //   quit
@@ -22,7 +23,7 @@ namespace fieldsim {
 enum class Target { Gps, Instrument };
 
 enum class CommandKind {
-  Quiet, Garbage, Overlong, DollarMid, BadChecksum, LowerChecksum, Close, Marker, Cut, Split, Reply, Quit
+  Quiet, Garbage, Overlong, DollarMid, BadChecksum, LowerChecksum, Close, Marker, Cut, Split, Reply, Lift, Quit
 };
 
 struct Command {

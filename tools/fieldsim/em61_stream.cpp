@@ -52,7 +52,8 @@ void Em61Stream::PlaceTargets() {
   static const char* const kSides[4] = {"left", "between", "right", "both"};
   const double speed = walk_.Speed() > 0.0 ? walk_.Speed() : 1.0;
   int index = 0;
-  for (double along = every; along < options_.LineLength - 1.0; along += every, ++index) {
+  const double first = options_.TargetStart > 0.0 ? options_.TargetStart : every;
+  for (double along = first; along < options_.LineLength - 1.0; along += every, ++index) {
     const std::string side = kSides[index % 4];
     const double t = along / speed;
     const double amplitude = options_.TargetAmplitude;
@@ -81,8 +82,16 @@ double Em61Stream::Response(const LocalPoint& sensor) const {
   return sum;
 }
 
-void Em61Stream::Channels(double walkSeconds, double values[4]) {
+void Em61Stream::Channels(double now, double walkSeconds, double values[4]) {
   std::normal_distribution<double> noise(0.0, 0.5);
+  if (Lifted(now)) {
+    // In the air the coils see no ground: a small response of their own.
+    static const double kAir[4] = {3.0, 1.0, 3.0, 1.0};
+    const bool two = options_.Instrument.Model == InstrumentModel::Em61Lx2 && options_.Sensors == 2;
+    const bool one = options_.Instrument.Model == InstrumentModel::Em61Lx2 && !two;
+    for (int i = 0; i < 4; ++i) values[i] = (one && i >= 2) ? 0.0 : kAir[i] + noise(random_);
+    return;
+  }
   if (options_.Instrument.Model == InstrumentModel::Em61Lx2) {
     const bool two = options_.Sensors == 2;
     const double left = Response(SensorAt(walkSeconds, two ? -kSensorOffset : 0.0));
@@ -106,7 +115,13 @@ std::string Em61Stream::BuildFrame(char letter, const double values[4]) {
   std::string frame;
   frame += letter;
   frame += static_cast<char>(0x14);
-  for (int i = 0; i < 4; ++i) PutWord(frame, Clamp16(values[i] * kGains[i] / (lx2 ? kLx2MvPerUnit : kMk2MvPerUnit)));
+  for (int i = 0; i < 4; ++i) {
+    int word = Clamp16(values[i] * kGains[i] / (lx2 ? kLx2MvPerUnit : kMk2MvPerUnit));
+    // A stamp makes every frame tell itself apart in the logger's file.
+    if (i == 3 && options_.StampFrames) word = static_cast<int>(framesSent_ % 32768);
+    PutWord(frame, word);
+  }
+  ++framesSent_;
   PutWord(frame, options_.Em61Current);
   frame += static_cast<char>(options_.Em61Battery);
   frame += "\x7F\x7F";
@@ -115,7 +130,7 @@ std::string Em61Stream::BuildFrame(char letter, const double values[4]) {
 
 void Em61Stream::SendFrame(double now, double walkSeconds) {
   double values[4];
-  Channels(walkSeconds, values);
+  Channels(now, walkSeconds, values);
   char letter = 'T';
   if (markerPending_) {
     letter = 'M';
@@ -225,6 +240,10 @@ void Em61Stream::Apply(const Command& command, double now) {
     case CommandKind::Cut: cutFrames_ = static_cast<int>(command.Amount); break;
     case CommandKind::Split: splitNext_ = true; break;
     case CommandKind::Reply: reply_ = command.Word; break;
+    case CommandKind::Lift:
+      liftedUntil_ = now + command.Amount;
+      log_.Write("note", "instrument: coils lifted");
+      break;
     default: break;
   }
 }

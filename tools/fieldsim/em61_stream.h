@@ -44,11 +44,12 @@ class Em61Stream {
   void Answer(char second, double now);
   void SendFrame(double now, double walkSeconds);
   // The early/late (LX2) or four channels (MK2) in mV at a walk time.
-  void Channels(double walkSeconds, double values[4]);
+  void Channels(double now, double walkSeconds, double values[4]);
   double Response(const LocalPoint& sensor) const;
   LocalPoint SensorAt(double walkSeconds, double lateral) const;
   std::string BuildFrame(char letter, const double values[4]);
   bool Quiet(double now) const { return now < quietUntil_; }
+  bool Lifted(double now) const { return now < liftedUntil_; }
 
   const Options& options_;
   const Walk& walk_;
@@ -65,7 +66,9 @@ class Em61Stream {
   double lastWheelDistance_ = 0.0;
   double wheelNextAt_ = 0.0;
   long wheelSteps_ = 0;
+  long framesSent_ = 0;
   double quietUntil_ = 0.0;
+  double liftedUntil_ = 0.0;   // coils held in the air: no ground, no targets
   int cutFrames_ = 0;
   bool splitNext_ = false;
   bool markerPending_ = false;

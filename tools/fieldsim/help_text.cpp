@@ -55,7 +55,10 @@ EM61-MK2 and EM61-LX2 (idle until 'H' 'X' or 'H' 'W'; frames of 15 bytes):
   --wheel-step M        Wheel mode ('H' 'W'): a frame per M metres (default 0.2)
   --target-every M      metal targets on the first line every M metres, in turn
                         left, between, right and both sides (default 6; 0 none)
+  --target-start M      metres along the first line of the first target
+                        (default: one spacing)
   --target-amplitude MV peak of a target on the early channel (default 600)
+  --stamp               the fourth channel word carries the frame's number
   --current N           raw transmitter current word (default 3000)
   --battery N           battery byte, volts x 6.66757 (default 80)
 
@@ -99,6 +102,7 @@ Commands on standard input, one a line (also in --script after "at SEC"):
   marker                press the instrument's button for one frame
   cut N                 EM61: the next N frames without their 0x7F 0x7F end
   split                 EM61: the next frame in two writes 40 ms apart
+  lift N                EM61: coils held in the air for N seconds (no ground)
   reply R               EM61: answer the next commands as --reply R
   quit
 

@@ -73,6 +73,7 @@ ParseResult ParseOptions(int argc, char** argv, Options& o, std::string& error) 
       {"--divide-by-8", [&] { o.Instrument.HighBit = true; }},
       {"--pace", [&] { o.Pace = true; }},
       {"--polled", [&] { o.Em61Polled = true; }},
+      {"--stamp", [&] { o.StampFrames = true; }},
       {"--verbose", [&] { o.Verbose = true; }},
   };
   const std::map<std::string, ValueHandler> values = {
@@ -98,6 +99,7 @@ ParseResult ParseOptions(int argc, char** argv, Options& o, std::string& error) 
       {"--sensors", [&](const std::string& v) { return ToInteger(v, o.Sensors) && InRange(o.Sensors, 1, 2); }},
       {"--wheel-step", [&](const std::string& v) { return ToNumber(v, o.WheelStep) && o.WheelStep > 0.01; }},
       {"--target-every", [&](const std::string& v) { return ToNumber(v, o.TargetEvery) && o.TargetEvery >= 0.0; }},
+      {"--target-start", [&](const std::string& v) { return ToNumber(v, o.TargetStart) && o.TargetStart >= 0.0; }},
       {"--target-amplitude", [&](const std::string& v) { return ToNumber(v, o.TargetAmplitude) && o.TargetAmplitude >= 0.0; }},
       {"--current", [&](const std::string& v) { return ToInteger(v, o.Em61Current) && InRange(o.Em61Current, 0, 32767); }},
       {"--battery", [&](const std::string& v) { return ToInteger(v, o.Em61Battery) && InRange(o.Em61Battery, 0, 255); }},

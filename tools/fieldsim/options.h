@@ -33,6 +33,8 @@ struct Options {
   double WheelStep = 0.2;        // metres of walk per frame in Wheel mode
   double TargetEvery = 6.0;      // metres between metal targets on the first line; 0 none
   double TargetAmplitude = 600.0;
+  bool StampFrames = false;      // the last channel word carries the frame's number
+  double TargetStart = 0.0;      // metres along the first line of the first target; 0: one spacing
   int Em61Current = 3000;        // raw current word
   int Em61Battery = 80;          // battery byte (/ 6.66757 V)
 

@@ -172,6 +172,7 @@ void Simulator::Execute(const Command& command, const std::string& text, double 
   }
   const bool forInstrument = command.Kind == CommandKind::Marker || command.Kind == CommandKind::Cut ||
                              command.Kind == CommandKind::Split || command.Kind == CommandKind::Reply ||
+                             command.Kind == CommandKind::Lift ||
                              ((command.Kind == CommandKind::Quiet || command.Kind == CommandKind::Garbage ||
                                command.Kind == CommandKind::Close) &&
                               command.Stream == Target::Instrument);
