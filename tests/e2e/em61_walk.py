@@ -184,9 +184,15 @@ def tag_counts(recs):
 
 
 def reading_key(rec):
-    """The bytes of the frame as it came: the record keeps offsets 0 to 9 and
-    moves the raw current and the battery byte to offsets 13 to 15."""
+    """The bytes of the frame as it came: the EM61-MK2's record keeps offsets 0
+    to 9 and moves the raw current and the battery byte to offsets 13 to 15."""
     return rec[0:10] + rec[13:16]
+
+
+def lx2_key(rec):
+    """The EM61-LX2's record keeps the letter, gain byte and channel words; the
+    average current takes the place of the raw one and the battery's."""
+    return rec[0:10]
 
 
 def tick(rec):
@@ -197,11 +203,11 @@ def marker_ticks(recs, text):
     return [tick(r) for r in recs if r[0:1] == b"X" and r[1:12].decode("latin-1").rstrip() == text]
 
 
-def in_order_once(checks, label, logged, sent):
+def in_order_once(checks, label, logged, sent, lx2=False):
     """The logged frames are the sent ones from some point on, each once and in
     order, as far as they go; returns the index in `sent` of the first."""
-    keys = [reading_key(r) for r in logged]
-    frames = [f[:13] for _, f in sent]
+    keys = [lx2_key(r) if lx2 else reading_key(r) for r in logged]
+    frames = [f[:10] if lx2 else f[:13] for _, f in sent]
     if not keys:
         checks.check(False, label + ": readings were logged")
         return -1
