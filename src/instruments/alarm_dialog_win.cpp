@@ -1,6 +1,5 @@
 #include "instruments/alarm_dialog_win.h"
 
-#include "core/platform_win.h"
 #include "core/settings.h"
 #include "core/state.h"
 #include "core/text.h"
@@ -56,37 +55,21 @@ void Accept(HWND dialog) {
   LoadSettings(SETTINGS_SAVE);
 }
 
-INT_PTR CALLBACK AlarmDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
-  switch (message) {
-    case WM_INITDIALOG:
-      CentreDialogOnOwner(dialog);
-      for (const ListField& list : Lists) FillList(dialog, list);
-      for (const NumberField& number : Numbers) SetDialogNumber(dialog, number.Field, "%.1f", *number.Setting);
-      EnableByType(dialog);
-      return TRUE;
-    case WM_COMMAND:
-      if (LOWORD(wParam) == ALARM_FIELD_TYPE && HIWORD(wParam) == CBN_SELCHANGE) {
-        EnableByType(dialog);
-        return TRUE;
-      }
-      if (LOWORD(wParam) == IDOK) {
-        Accept(dialog);
-        EndDialog(dialog, 1);
-        return TRUE;
-      }
-      if (LOWORD(wParam) == IDCANCEL) {
-        EndDialog(dialog, 0);
-        return TRUE;
-      }
-      return FALSE;
-    default: return FALSE;
-  }
+void Open(HWND dialog) {
+  for (const ListField& list : Lists) FillList(dialog, list);
+  for (const NumberField& number : Numbers) SetDialogNumber(dialog, number.Field, "%.1f", *number.Setting);
+  EnableByType(dialog);
+  SetFocus(GetDlgItem(dialog, ALARM_FIELD_TYPE));
+}
+
+// A new type enables and disables the fields at once.
+void Command(HWND dialog, int id, int code) {
+  if (id == ALARM_FIELD_TYPE && code == CBN_SELCHANGE) EnableByType(dialog);
 }
 
 }  // namespace
 
 int RunAlarmDialog(HWND owner) {
-  const INT_PTR result = DialogBoxParamW(Windows.Instance, L"ALARMLX2", owner, AlarmDialogProc, 0);
-  ReturnFocus(owner);
-  return result == 1 ? 1 : 0;
+  const OkCancelDialog form{L"ALARMLX2", Open, Accept, Command};
+  return RunOkCancelDialog(owner, form);
 }

@@ -79,6 +79,18 @@ void NormaliseAndOffset(double* channels, int count, double factor, const double
   for (int i = 0; i < count; ++i) channels[i] = channels[i] * factor - offsets[i];
 }
 
+// The EM61-MK2's channels by gain and letter, with the current already in `r`.
+Em61ModeScale ScaleMk2Channels(Em61Reading& r, const unsigned char* frame, unsigned char battery) {
+  r.Battery = battery;
+  r.Gain = frame[1];
+  r.Letter = frame[0];
+  ScaleChannels(r.Channels, frame, EM61_RAW_TO_MV);
+  const Em61ModeScale scale = Em61ScaleFor(r.Letter, Settings.Em61Type, Settings.SensorSize, r.Current);
+  r.CurrentIndex = scale.CurrentIndex;
+  ApplyFactors(r.Channels, scale);
+  return scale;
+}
+
 Lx2Reading DecodeLx2(unsigned char* frame, int sensors) {
   Lx2Reading r;
   double channels[4];
@@ -161,13 +173,7 @@ Em61Reading DecodeEm61Mk2(unsigned char* frame) {
     if (type == 0) r.Current /= 1.047;
     else if (type == 1) r.Current /= 1.152;
   }
-  r.Battery = frame[12];
-  r.Gain = frame[1];
-  r.Letter = frame[0];
-  ScaleChannels(r.Channels, frame, EM61_RAW_TO_MV);
-  const Em61ModeScale scale = Em61ScaleFor(r.Letter, type, Settings.SensorSize, r.Current);
-  r.CurrentIndex = scale.CurrentIndex;
-  ApplyFactors(r.Channels, scale);
+  const Em61ModeScale scale = ScaleMk2Channels(r, frame, frame[12]);
   RingStep(r.Current);
   Em61ScaleRecord& s = Em61Scale;
   // An average of zero is not guarded: the factor is then infinite for that reading.
@@ -185,13 +191,7 @@ Em61Reading RedecodeEm61Mk2(const unsigned char* frame, const double offsets[4])
   Em61Reading r;
   const int type = Settings.Em61Type;
   r.Current = Em61Word(frame, 10) + (signed char)frame[12] / 100.0;
-  r.Battery = frame[15];
-  r.Gain = frame[1];
-  r.Letter = frame[0];
-  ScaleChannels(r.Channels, frame, EM61_RAW_TO_MV);
-  const Em61ModeScale scale = Em61ScaleFor(r.Letter, type, Settings.SensorSize, r.Current);
-  r.CurrentIndex = scale.CurrentIndex;
-  ApplyFactors(r.Channels, scale);
+  const Em61ModeScale scale = ScaleMk2Channels(r, frame, frame[15]);
   const double factor = NoCurrentCorrection(type) ? 1.0 : scale.Reference / r.Current;
   NormaliseAndOffset(r.Channels, 4, factor, offsets);
   return r;

@@ -9,6 +9,7 @@ import subprocess
 import time
 
 import harness
+import test_gps_survey as survey
 import test_session_start as session
 
 INSTRUMENT_COM = 4   # settings' default instrument port, index 3
@@ -272,29 +273,13 @@ def wait_screen(box, control_id, text, timeout=20):
     return session.control_visible(box, control_id, text, timeout=timeout)
 
 
-def answer(box, title, keys=("Return",), timeout=20):
-    dialog = box.wait_title(title, timeout=timeout)
-    if dialog is None:
-        return False
-    time.sleep(0.4)
-    box.xdotool(["windowfocus", "--sync", dialog], check=False)
-    for k in keys:
-        box.xdotool(["key", k])
-    return True
+def answer(box, title, keys=("Return",)):
+    return survey.answer(box, title, keys)
 
 
 def create_file(box, window, name):
     os.makedirs(box.c_path("C:\\Survey"), exist_ok=True)
-    box.key(window, "f")
-    dialog = box.wait_title("Create Data File", timeout=30)
-    if dialog is None:
-        return False
-    time.sleep(1)
-    box.xdotool(["windowfocus", "--sync", dialog], check=False)
-    box.xdotool(["key", "ctrl+a"])
-    box.type(dialog, "C:\\Survey\\" + name)
-    box.xdotool(["key", "Return"])
-    return wait_screen(box, 460, "&Go")
+    return survey.create_file(box, window, "C:\\Survey\\" + name)
 
 
 def leave(box, checks, program, window, run, with_file=True):

@@ -16,34 +16,16 @@
 #include "instruments/lx2_alarm.h"
 #include "instruments/lx2_calibration.h"
 #include "instruments/reading.h"
+#include "scripted_port.h"
 #include "testing.h"
 
 namespace {
 
-void Require(bool condition) {
-  if (!condition) abort();
-}
+using namespace fuzzport;
 
-const uint8_t* Script = nullptr;
-size_t ScriptSize = 0;
-size_t ScriptAt = 0;
-uint32_t Clock = 0;
 size_t Bytes = 0;
 
-uint32_t ScriptClock() { return Clock; }
-
-int ScriptRead(unsigned char* byte) {
-  if (ScriptAt >= ScriptSize) {
-    Clock += 10;
-    return 0;
-  }
-  Clock += 1;
-  *byte = Script[ScriptAt++];
-  return 1;
-}
-
 void ScriptWrite(unsigned char) {}
-void ScriptDelay(int ms) { Clock += (uint32_t)ms; }
 void CountBytes(const char*, size_t count) { Bytes += count; }
 
 void Handle() {
@@ -85,10 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (Model.NullingState == CALIBRATION_IN_AIR) StartFilterCalibration();
 
   // The bytes as the instrument's reply to the command.
-  Script = data + 4;
-  ScriptSize = size - 4;
-  ScriptAt = 0;
-  Clock = 0xFFFFF000u;
+  Play(data + 4, size - 4, 0xFFFFF000u);
   TickOverride = ScriptClock;
   const LinkPort port{ScriptRead, ScriptWrite, nullptr, ScriptDelay};
   const int answered = Em61Connect(port, 'H', 'X', 0);

@@ -119,6 +119,16 @@ bool ParseCommand(const std::string& line, Command& command, std::string& error)
   return true;
 }
 
+std::string GarbageBytes(std::mt19937& random, size_t count, const std::string& never) {
+  std::uniform_int_distribution<int> byte(0, 255);
+  std::string noise;
+  while (noise.size() < count) {
+    const char c = static_cast<char>(byte(random));
+    if (never.find(c) == std::string::npos) noise += c;
+  }
+  return noise;
+}
+
 bool ReadScript(const std::string& path, std::vector<TimedCommand>& script, std::string& error) {
   std::ifstream in(path);
   if (!in) {

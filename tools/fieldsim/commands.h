@@ -15,6 +15,7 @@
 // A script line is "at SECONDS COMMAND"; blank lines and '#' lines are skipped.
 #pragma once
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -42,6 +43,10 @@ struct TimedCommand {
 
 // Parses one command line; false with a message when it is not understood.
 bool ParseCommand(const std::string& line, Command& command, std::string& error);
+
+// The bytes of "garbage N": random, but never one of `never`, so that they
+// can't fake the end of a line or a frame's start.
+std::string GarbageBytes(std::mt19937& random, size_t count, const std::string& never);
 
 // Reads a script; false with a message naming the first bad line.
 bool ReadScript(const std::string& path, std::vector<TimedCommand>& script, std::string& error);

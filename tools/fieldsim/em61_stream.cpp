@@ -229,13 +229,10 @@ void Em61Stream::Apply(const Command& command, double now) {
     case CommandKind::Quiet:
       quietUntil_ = now + command.Amount;
       break;
-    case CommandKind::Garbage: {
-      std::uniform_int_distribution<int> byte(0, 255);
-      std::string noise;
-      while (noise.size() < static_cast<size_t>(command.Amount)) noise += static_cast<char>(byte(random_));
-      port_.Send(noise);
+    case CommandKind::Garbage:
+      // No 0x7F: the garbage can't end a frame of its own.
+      port_.Send(GarbageBytes(random_, static_cast<size_t>(command.Amount), std::string(1, '\x7f')));
       break;
-    }
     case CommandKind::Marker: markerPending_ = true; break;
     case CommandKind::Cut: cutFrames_ = static_cast<int>(command.Amount); break;
     case CommandKind::Split: splitNext_ = true; break;
