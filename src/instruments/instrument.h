@@ -142,6 +142,11 @@ struct ViewDescription {
   int HalfHeightNumbers;           // the numbers window is half as high
   // The instrument's own labels by the numbers; nullptr for none.
   void (*StatusTexts)(ModelStatusTexts& out);
+  // Labels of the channel values in the numbers panel, one and two sensors;
+  // nullptr where the panel draws no labelled values of its own.
+  const char* const* PanelLabels = nullptr;
+  const char* const* TwoSensorPanelLabels = nullptr;
+  int PanelLabelCount = 0;                 // of one sensor; twice that with two
 };
 
 // Per-instrument defaults laid over the starting values before settings are read.

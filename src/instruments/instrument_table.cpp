@@ -27,6 +27,10 @@ constexpr int K = KEEP_DEFAULT;
 
 constexpr unsigned MapMode(int mode) { return 1u << mode; }
 
+const char* const Mk2PanelLabels[] = {"Ch1", "Ch2", "Ch3", "Ch4"};
+const char* const Lx2PanelLabels[] = {"ChE:", "ChL:", "ChF:"};
+const char* const Lx2TwoSensorPanelLabels[] = {"LE:", "LL:", "LF:", "RE:", "RL:", "RF:"};
+
 // Readings a Manual station takes, by the dipole and component settings.
 int OneReading(int, int) { return 1; }
 int ReadingsOfEm31(int dipole, int) { return dipole == 2 ? 2 : 1; }
@@ -136,7 +140,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .Bars = {BAR_IN_DECAY, 16.0, 4.0, 1.0, 3}, .TwoSensorBars = {BAR_IN_PAIR, 16.0, 4.0, 1.0, 3},
                   .NumbersRows = 6, .WideColourBar = 0, .RadioStartRow = 0, .RadioCount = 3, .MarkerLamps = 1,
                   .AttitudeLabels = 0, .AttitudeDecoded = 0, .TightRowsInNarrowPortrait = 1,
-                  .HalfHeightNumbers = 0, .StatusTexts = nullptr},
+                  .HalfHeightNumbers = 0, .StatusTexts = nullptr, .PanelLabels = Lx2PanelLabels,
+                  .TwoSensorPanelLabels = Lx2TwoSensorPanelLabels, .PanelLabelCount = 3},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 2, .NullingDone = 0, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 5, .ProfileLineWidth = {2, 3, 4, 2, 2, 3, 4, 1},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -177,7 +182,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .Bars = {BAR_IN_DECAY, 21.0, 4.0, 1.0, 4}, .TwoSensorBars = {BAR_IN_DECAY, 21.0, 4.0, 1.0, 4},
                   .NumbersRows = 4, .WideColourBar = 0, .RadioStartRow = 0, .RadioCount = 4, .MarkerLamps = 1,
                   .AttitudeLabels = 1, .AttitudeDecoded = 1, .TightRowsInNarrowPortrait = 0,
-                  .HalfHeightNumbers = 0, .StatusTexts = Em61Mk2StatusTexts},
+                  .HalfHeightNumbers = 0, .StatusTexts = Em61Mk2StatusTexts, .PanelLabels = Mk2PanelLabels,
+                  .TwoSensorPanelLabels = Mk2PanelLabels, .PanelLabelCount = 4},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 3, .NullingDone = 0, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 5, .ProfileLineWidth = {2, 3, 4, 2, 2, 3, 4, 1},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,

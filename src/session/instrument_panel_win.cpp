@@ -35,19 +35,10 @@ int LineHeight(HDC dc) {
 }
 
 const char* const* PanelLabels(int& count) {
-  static const char* const Mk2[] = {"Ch1", "Ch2", "Ch3", "Ch4"};
-  static const char* const One[] = {"ChE:", "ChL:", "ChF:"};
-  static const char* const Two[] = {"LE:", "LL:", "LF:", "RE:", "RL:", "RF:"};
-  if (Instrument().Views.MarkerLamps && !Instrument().Commands.TargetAlarm) {
-    count = 4;
-    return Mk2;
-  }
-  if (TwoSensorsInUse()) {
-    count = 6;
-    return Two;
-  }
-  count = 3;
-  return One;
+  const ViewDescription& views = Instrument().Views;
+  const bool two = TwoSensorsInUse();
+  count = views.PanelLabelCount * (two && views.TwoSensorPanelLabels != views.PanelLabels ? 2 : 1);
+  return two ? views.TwoSensorPanelLabels : views.PanelLabels;
 }
 
 // The numbers window: labels in blue on the left, values right-aligned.
@@ -75,7 +66,7 @@ void PaintNumbers(const ReadingOutcome& out) {
     int labels = 0;
     const char* const* names = PanelLabels(labels);
     SetTextColor(dc, LabelBlue);
-    for (int i = 0; i < labels; ++i) DrawNarrowTextAt(dc, 10, 4 + i * line, names[i]);
+    for (int i = 0; names && i < labels; ++i) DrawNarrowTextAt(dc, 10, 4 + i * line, names[i]);
     if (out.MapChannelMark > 0 && out.MapChannelMark <= labels) {
       const int y = 4 + (int)((out.MapChannelMark - 0.5) * line);
       Ellipse(dc, 1, y - 3, 7, y + 3);

@@ -22,7 +22,8 @@ RECORD = 27
 MK2_LINES = {"InstrumentEnabled": 4, "SensorSize": 5, "InstrumentPort": 8, "AudioTicks": 9, "PauseKey": 12,
              "MapDisplayMode": 13, "Em61Type": 14, "GpsInput": 34, "GpsDataOption": 35, "GpsPort": 36,
              "SurveyMode": 45, "SampleInterval": 50, "NullApply": 71}
-LX2_LINES = {"SensorCount": 4, "InstrumentEnabled": 5, "InstrumentPort": 9, "AudioTicks": 10, "PauseKey": 13,
+LX2_LINES = {"SensorCount": 4, "InstrumentEnabled": 5, "InstrumentPort": 9, "AudioTicks": 10,
+             "AudioDisconnectAlarm": 11, "PauseKey": 13,
              "MapDisplayMode": 14, "Em61Type": 15, "GpsInput": 35, "GpsDataOption": 36, "GpsPort": 37,
              "SurveyMode": 46, "SampleInterval": 51, "NullApply": 72, "AlarmType": 84, "AlarmAudio": 85,
              "AlarmChannel": 86, "AlarmLevel": 88, "AlarmMinLevel": 89, "AlarmMaxLevel": 90,
@@ -59,7 +60,7 @@ def start_traced(box, program):
     """The program with Wine's sound trace on: every PlaySoundW leaves the
     sound's name and flags in the trace."""
     env = box.env()
-    env["WINEDEBUG"] = "+winmm"
+    env["WINEDEBUG"] = "+timestamp,+winmm"
     trace = os.path.join(box.prefix, "wine-trace.txt")
     process = subprocess.Popen(["wine", os.path.join(harness.bin_dir(), program + ".exe")], env=env,
                                stdout=subprocess.DEVNULL, stderr=open(trace, "wb"), start_new_session=True)
@@ -69,8 +70,9 @@ def start_traced(box, program):
     return box.programs[-1], window, trace
 
 
-def sounds(trace):
-    """(name, flags) of each sound the program asked for, in order."""
+def sounds(trace, timed=False):
+    """(name, flags) of each sound the program asked for, in order; with
+    `timed` also the trace's time stamp in seconds."""
     out = []
     flags = None
     for line in open(trace, "rb").read().decode("latin-1").splitlines():
@@ -80,7 +82,9 @@ def sounds(trace):
             continue
         m = re.search(r'proc_PlaySound SoundName=L"([A-Z_0-9]+)"', line)
         if m:
-            out.append((m.group(1), flags))
+            stamp = re.match(r"\s*([0-9]+\.[0-9]+):", line)
+            entry = (m.group(1), flags)
+            out.append(entry + (float(stamp.group(1)) if stamp else 0.0,) if timed else entry)
     return out
 
 
@@ -273,6 +277,18 @@ def wait_screen(box, control_id, text, timeout=20):
     return session.control_visible(box, control_id, text, timeout=timeout)
 
 
+def wait_normalised(log, timeout=30):
+    """Normalising takes the first 98 frames of a session: waits until the
+    simulator has sent a few more than that."""
+    deadline = time.time() + timeout
+    while time.time() < deadline:
+        if os.path.exists(log) and len(sent_frames(log)) >= 104:
+            time.sleep(0.3)
+            return True
+        time.sleep(0.3)
+    return False
+
+
 def answer(box, title, keys=("Return",)):
     return survey.answer(box, title, keys)
 
@@ -289,3 +305,28 @@ def leave(box, checks, program, window, run, with_file=True):
     checks.check(wait_screen(box, 420, "&Logging"), program + ": back at the main menu")
     box.key(window, "x")
     checks.equal(run.wait(30), 0, program + ": exit code 0")
+
+
+def start_session(checks, box, window, log, label, file_name, screen_text="the handshake starts the session"):
+    """"&Logging" with its handshake, the first 98 frames normalising, "&File"."""
+    box.key(window, "l")
+    if not checks.check(wait_screen(box, 460, "&File"), label + ": " + screen_text):
+        return False
+    checks.check(wait_normalised(log), label + ": the first 98 frames normalise")
+    return checks.check(create_file(box, window, file_name), label + ": \"&File\" brings Stand By")
+
+
+def recording(checks, label, recs, sent, lx2=False, as_sent=None):
+    """The readings of the file's one recording, checked against the frames
+    sent: each once and in order, none older than "$STARTED". `as_sent` turns
+    a record back into what was sent (a soft marker changes the letter)."""
+    starts = [i for i, r in enumerate(recs) if r[1:9] == b"$STARTED"]
+    pauses = [i for i, r in enumerate(recs) if r[1:7] == b"PAUSED"]
+    if not checks.check(len(starts) == 1 and len(pauses) == 1, label + ": one recording"):
+        return []
+    logged = [r for r in recs[starts[0]:pauses[0]] if r[0:1] in READING_TAGS]
+    in_order_once(checks, label, [as_sent(r) for r in logged] if as_sent else logged, sent, lx2)
+    start_tick = marker_ticks(recs, "$STARTED")[0]
+    checks.check(all(tick(r) >= start_tick for r in logged), label + ": no reading older than \"$STARTED\"")
+    harness.log("%s: %d readings logged" % (label, len(logged)))
+    return logged

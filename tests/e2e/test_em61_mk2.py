@@ -11,13 +11,10 @@ import time
 
 import harness
 import test_session_start as session
-from em61_walk import (MK2_LINES, answer, calibration_values, create_file, data_file, in_order_once, leave,
-                       marker_ticks, mean_windows, mk2_values, received, received_times, records, sent_frames,
-                       settings, start_simulator, start_traced, tag_counts, tell, tick, wait_screen, READING_TAGS)
-
-# Normalising takes 98 frames of 55 ms.
-NORMALISING_S = 6.5
-
+from em61_walk import (MK2_LINES, READING_TAGS, answer, calibration_values, data_file, in_order_once, leave,
+                       marker_ticks, mean_windows, mk2_values, received, received_times, recording, records,
+                       sent_frames, settings, start_session, start_simulator, start_traced, tag_counts, tell, tick,
+                       wait_screen)
 
 def readings(recs, begin, end):
     return [r for r in recs[begin:end] if r[0:1] in READING_TAGS]
@@ -40,11 +37,7 @@ def continuous(checks):
         settings(path, MK2_LINES, {"GpsInput": 0, "SampleInterval": "0.050000", "Em61Type": 2})
         run, window, trace = start_traced(box, program)
         sim, log = start_simulator(box, "em61mk2", ["--target-every", "0", "--stamp"])
-        box.key(window, "l")
-        if not checks.check(wait_screen(box, 460, "&File"), program + ": the handshake starts the session"):
-            return
-        time.sleep(NORMALISING_S)
-        if not checks.check(create_file(box, window, "MK2CONT"), program + ": \"&File\" brings Stand By"):
+        if not start_session(checks, box, window, log, program, "MK2CONT"):
             return
         box.key(window, "u")
         checks.check(answer(box, "NULLING"), program + ": Nulling in Stand By asks first")
@@ -89,16 +82,7 @@ def continuous(checks):
             found = any(all(abs(m[i] - levels[i][0]) <= 0.006 for i in range(3)) and
                         abs(m[3] - levels[3][0]) <= 0.006 * max(1.0, abs(m[3])) for m in means)
             checks.check(found, program + ": the zero levels %s are the mean of 50 frames sent" % [v for v, _ in levels])
-        logged = readings(recs, started, paused)
-        checks.check(started > 0 and paused > started, program + ": \"$STARTED\" and \"PAUSED\"")
-        begin = in_order_once(checks, program, logged, sent)
-        start_tick = marker_ticks(recs, "$STARTED")[0] if started > 0 else 0
-        checks.check(all(tick(r) >= start_tick for r in logged), program + ": no reading older than \"$STARTED\"")
-        whole_sent = [f for ms, f in sent]
-        if begin >= 0:
-            window_sent = len(whole_sent) - begin
-            harness.log("%s: %d frames sent from the first logged one on, %d readings logged" %
-                        (program, window_sent, len(logged)))
+        logged = recording(checks, program, recs, sent)
         checks.check(any(r[0:1] == b"M" for r in logged), program + ": the marker frame was logged")
         checks.check(all(r[13] == 0x0B and r[14] == 0xB8 for r in logged), program + ": raw current 3000 kept")
         # The ring runs without a correction too: the average 3000.00 stands in offsets 10 to 12.
@@ -125,11 +109,7 @@ def polled(checks):
                      program + ": a wrong reply to the handshake")
         answer(box, "Connection Issue")
         tell(sim, "reply noisy")
-        box.key(window, "l")
-        if not checks.check(wait_screen(box, 460, "&File"), program + ": a reply with noise in it is taken"):
-            return
-        time.sleep(NORMALISING_S + 4)
-        if not checks.check(create_file(box, window, "MK2POLL"), program + ": \"&File\" brings Stand By"):
+        if not start_session(checks, box, window, log, program, "MK2POLL", "a reply with noise in it is taken"):
             return
         box.key(window, "g")
         time.sleep(5)

@@ -12,7 +12,9 @@
 #include "core/variant.h"
 #include "datafile/records.h"
 #include "instruments/em61_decode.h"
+#include "instruments/em61_link.h"
 #include "instruments/em61_reading.h"
+#include "instruments/instrument.h"
 #include "instruments/em61_session.h"
 #include "instruments/filter_factor.h"
 #include "instruments/lx2_alarm.h"
@@ -456,4 +458,23 @@ TEST(ConvertingTheFilterFactorBothWays) {
   CHECK_NEAR(ConvertFilterFactor(5.0, 0), 596.0, 1e-9);
   CHECK_NEAR(ConvertFilterFactor(596.0, 1), 5.0, 1e-12);
   CHECK_NEAR(ConvertFilterFactor(1.0, 0), 126.0, 1e-9);
+}
+
+// ---------------------------------------------------------------- the rows
+
+TEST(TheEm61RowsHandshakeHandleAndLabelTheirPanels) {
+  for (int model : {EM61MK2, EM61LX2}) {
+    const InstrumentDescription& row = InstrumentOf(model);
+    CHECK(row.Link.CheckLink == Em61HandshakeCheck);
+    CHECK_EQ((int)row.Link.Start, (int)START_HANDSHAKE);
+    CHECK(row.Reading.Handle != nullptr);
+  }
+  const ViewDescription& mk2 = InstrumentOf(EM61MK2).Views;
+  CHECK_EQ(mk2.PanelLabelCount, 4);
+  CHECK_EQ(std::string(mk2.PanelLabels[3]), std::string("Ch4"));
+  const ViewDescription& lx2 = InstrumentOf(EM61LX2).Views;
+  CHECK_EQ(std::string(lx2.PanelLabels[2]), std::string("ChF:"));
+  CHECK_EQ(std::string(lx2.TwoSensorPanelLabels[3]), std::string("RE:"));
+  CHECK(InstrumentOf(EM31MK2).Views.PanelLabels == nullptr);
+  CHECK(InstrumentOf(EM31MK2).Link.CheckLink != Em61HandshakeCheck);
 }
