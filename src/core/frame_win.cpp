@@ -14,6 +14,8 @@
 #include "core/variant.h"
 #include "gps/coordinates.h"
 #include "gps/gps_monitor_win.h"
+#include "instruments/alarm_dialog_win.h"
+#include "instruments/instrument.h"
 #include "session/session_win.h"
 
 namespace {
@@ -140,6 +142,10 @@ void ResetToDefault(HWND frame) {
 void PressMainButton(HWND frame, int index) {
   switch (index) {
     case 0: StartSession(); break;
+    case 3:
+      // The EM61-LX2 has its alarm's settings in the geometry button's place.
+      if (Instrument().Commands.TargetAlarm) RunAlarmDialog(frame);
+      break;
     case 5: OpenGpsMonitor(); break;
     case 8: ResetToDefault(frame); break;
     case 9: SendMessageW(frame, WM_CLOSE, 0, 0); break;

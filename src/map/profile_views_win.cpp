@@ -1,6 +1,7 @@
 #include "map/profile_views_win.h"
 
 #include "core/platform_win.h"
+#include "instruments/instrument.h"
 #include "instruments/reading.h"
 #include "map/profile_views.h"
 #include "session/logging_layout.h"
@@ -139,6 +140,28 @@ void MoveBarsOfWindow(const ReadingOutcome& out, int bars) {
   ReleaseDC(window, dc);
 }
 
+// The row's channel labels in blue down the left of the numbers panel, and
+// the mark of the channel that the colour image shows.
+void ChannelLabels(HDC dc, const ReadingOutcome& out, int pitch) {
+  const ViewDescription& views = Instrument().Views;
+  const bool two = TwoSensorsInUse() && views.TwoSensorPanelLabels != views.PanelLabels;
+  const char* const* labels = two ? views.TwoSensorPanelLabels : views.PanelLabels;
+  if (!labels) return;
+  const int count = views.PanelLabelCount * (two ? 2 : 1);
+  SelectObject(dc, Fonts.FontTextBold);
+  SetTextColor(dc, RGB(0, 0, 255));
+  for (int i = 0; i < count; ++i) DrawNarrowTextAt(dc, 10, 4 + i * pitch, labels[i]);
+  if (out.MapChannelMark > 0 && out.MapChannelMark <= count) {
+    const int y = 4 + (int)((out.MapChannelMark - 0.5) * pitch);
+    HGDIOBJ oldPen = SelectObject(dc, GetStockObject(BLACK_PEN));
+    HGDIOBJ oldBrush = SelectObject(dc, Tools.BrushGreen);
+    Ellipse(dc, 1, y - 3, 7, y + 3);
+    SelectObject(dc, oldPen);
+    SelectObject(dc, oldBrush);
+  }
+  SetTextColor(dc, RGB(0, 0, 0));
+}
+
 }  // namespace
 
 void MovingBars(const ReadingOutcome& out) {
@@ -160,9 +183,11 @@ void ShowNumbers(HWND numbers, const ReadingOutcome& out) {
   SetTextColor(dc, RGB(0, 0, 0));
   HGDIOBJ oldFont = SelectObject(dc, Fonts.FontText);
   const int pitch = LoggingLayout.PanelRowPitch > 0 ? LoggingLayout.PanelRowPitch : 16;
+  if (out.NumbersLabelled) ChannelLabels(dc, out, pitch);
   for (int i = 0; i < out.NumberLineCount && i < OUTCOME_NUMBER_LINES; ++i) {
     SelectObject(dc, out.NumberBold[i] ? Fonts.FontTextBold : Fonts.FontText);
-    DrawNarrowTextAt(dc, 4, 4 + i * pitch, out.NumberLines[i]);
+    if (out.NumbersLabelled) DrawNarrowTextAt(dc, all.right - 10, 4 + i * pitch, out.NumberLines[i], TA_RIGHT | TA_TOP);
+    else DrawNarrowTextAt(dc, 4, 4 + i * pitch, out.NumberLines[i]);
   }
   SelectObject(dc, oldFont);
   ReleaseDC(numbers, dc);
