@@ -102,6 +102,7 @@
 #define IDC_DISPLAY_COLOUR_FIRST 1370   // 1370 to 1377
 #define IDC_DISPLAY_WIDTH_FIRST 1380    // 1380 to 1387
 #define IDC_DISPLAY_GRID 1390
+#define IDC_DISPLAY_AMPLITUDE 1391   // DISPLAYSETUP: "Linear" or "Compressed"
 // ALARMLX2, the EM61-LX2 target alarm's settings.
 #define IDC_ALARM_LEVEL 900
 #define IDC_ALARM_TYPE 901

@@ -10,6 +10,7 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "core/ticks.h"
+#include "instruments/instrument.h"
 #include "instruments/link_supervision.h"
 #include "instruments/lx2_calibration.h"
 #include "instruments/reading.h"
@@ -31,6 +32,15 @@ void BoxText(HDC dc, const PixelRect& r, const char* text, HBRUSH brush) {
   DrawNarrowTextAt(dc, r.X, r.Y, text);
 }
 
+// An indicator of the alarm panel: one box, or left, between and right.
+void DrawIndicator(HDC dc, int index, int on) {
+  const PixelRect& row = LoggingLayout.StatusRows[3];
+  const int side = row.Height > 4 ? row.Height : 12;
+  RECT box = {row.X + index * (side + 4), row.Y, row.X + index * (side + 4) + side, row.Y + side};
+  FillRect(dc, &box, on ? Tools.BrushRed : Background());
+  FrameRect(dc, &box, (HBRUSH)GetStockObject(BLACK_BRUSH));
+}
+
 bool AnyStatusBox(const ReadingOutcome& out) {
   if (out.Battery[0] || out.Current[0] || out.Mode[0]) return true;
   for (int indicator : out.Indicators)
@@ -49,14 +59,9 @@ void PaintStatusBoxes(HWND screen, const ReadingOutcome& out) {
   if (out.Battery[0]) BoxText(dc, L.Battery.Value, out.Battery, out.BatteryLow ? Tools.BrushRed : Background());
   if (out.Current[0]) BoxText(dc, L.Current.Value, out.Current, Background());
   if (out.Mode[0]) BoxText(dc, L.StatusRows[2], out.Mode, Background());
-  // The alarm's indicators: one box, or left, between and right.
-  const PixelRect& row = L.StatusRows[3];
-  const int side = row.Height > 4 ? row.Height : 12;
   for (int i = 0; i < 3; ++i) {
     if (out.Indicators[i] == INDICATOR_KEEP) continue;
-    RECT box = {row.X + i * (side + 4), row.Y, row.X + i * (side + 4) + side, row.Y + side};
-    FillRect(dc, &box, out.Indicators[i] ? Tools.BrushRed : Background());
-    FrameRect(dc, &box, (HBRUSH)GetStockObject(BLACK_BRUSH));
+    DrawIndicator(dc, i, out.Indicators[i]);
   }
   SelectObject(dc, oldFont);
   ReleaseDC(screen, dc);
@@ -96,6 +101,13 @@ void RunBoxes(ReadingOutcome& out) {
 }
 
 }  // namespace
+
+void PaintAlarmPanel(HDC dc) {
+  if (!Instrument().Commands.TargetAlarm || Settings.AlarmType <= 0) return;
+  const int count = TwoSensorsInUse() ? 3 : 1;
+  // Off until the next reading, which sets each indicator again.
+  for (int i = 0; i < count; ++i) DrawIndicator(dc, i, 0);
+}
 
 void StopOutcomeSound() { PlaySoundW(nullptr, nullptr, FLAGS_STOP); }
 

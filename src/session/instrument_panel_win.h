@@ -9,5 +9,9 @@ struct ReadingOutcome;
 
 void ApplyInstrumentOutcome(HWND screen, ReadingOutcome& out);
 
+// The target alarm's panel on the screen's repaint, its indicators off until
+// the next reading; only while an alarm type is chosen.
+void PaintAlarmPanel(HDC dc);
+
 // The stop of a running sound, as the alarm asks for it.
 void StopOutcomeSound();
