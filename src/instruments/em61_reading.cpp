@@ -52,11 +52,14 @@ void ShowMarker(ReadingOutcome& out, bool marker) {
   FormatNarrow(out.MarkerText, OUTCOME_TEXT, "%s", marker ? "MARKER" : "");
 }
 
-// The curves of `count` channels from `first` on, one step of the profile.
-void ProfileChannels(ReadingOutcome& out, const double* values, int first, int count) {
+// The curves of `count` channels from `first` on, one step of the profile,
+// in `window` with the pens of channels 0 on.
+void ProfileChannels(ReadingOutcome& out, const double* values, int first, int count, int window) {
   for (int i = 0; i < count && first + i < OUTCOME_PROFILE_CHANNELS; ++i) {
     out.ProfilePixel[first + i] = ProfilePixelOnScale(values[i], 0);
     out.ProfileOn[first + i] = 1;
+    out.ProfileWindow[first + i] = window;
+    out.ProfilePen[first + i] = i;
   }
   if (out.ProfileCount < first + count) out.ProfileCount = first + count;
 }
@@ -91,7 +94,7 @@ void Mk2Normal(HeldFrame& held, ReadingOutcome& out) {
   const Em61Reading r = DecodeEm61Mk2(held.Bytes);
   double display[4];
   RootDisplay(r.Channels, display, Settings.ProfileScaleKind);
-  ProfileChannels(out, display, 0, 4);
+  ProfileChannels(out, display, 0, 4, CURVE_WINDOW_FIRST);
   const int manual = Session.SurveyModeCurrent == SURVEY_MANUAL ? 1 : 0;
   Em61Session.LogGate = NextLogGate(Em61Session.LogGate, NoButtonLetter(r.Letter) ? 0 : 1, manual);
   if (Logging() && Em61Session.LogGate == 1) {
@@ -154,7 +157,14 @@ void Lx2Normal(HeldFrame& held, int sensors, ReadingOutcome& out) {
     values[3 * side + 2] = filtered;
     monitored[side] = MonitoredValue(r.Early[side], r.Late[side], filtered);
   }
-  ProfileChannels(out, values, 0, 3 * sensors);
+  // Two sensors: the left sensor's curves in the upper window, the right
+  // sensor's in the lower, in the same channel colours.
+  if (sensors == 2) {
+    ProfileChannels(out, values, 0, 3, CURVE_WINDOW_UPPER);
+    ProfileChannels(out, values + 3, 3, 3, CURVE_WINDOW_LOWER);
+  } else {
+    ProfileChannels(out, values, 0, 3, CURVE_WINDOW_FIRST);
+  }
   if (Model.SoftMarkerDown) held.Bytes[0] = SoftMarkerLetter(held.Bytes[0]);
   if (Logging()) {
     const int left = Lx2Colour(values[0], values[1], values[2]);

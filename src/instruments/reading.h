@@ -24,6 +24,10 @@ constexpr int OUTCOME_NUMBER_LINES = 8;
 constexpr int OUTCOME_TEXT = 40;
 constexpr int STATION_LINES = 6;
 
+// Curve windows of the profile: the first alone, or the second and third
+// over each other with two sensors.
+enum CurveWindowId { CURVE_WINDOW_FIRST = 0, CURVE_WINDOW_UPPER = 1, CURVE_WINDOW_LOWER = 2 };
+
 // One bar to move: its window (BarWindowId), its place in the window, its
 // new pixel and the channel whose colour it takes.
 struct BarMove {
@@ -55,11 +59,15 @@ struct ReadingBox {
 struct ReadingOutcome {
   int Taken = 0;                  // the frame was handled (it is marked as taken)
   int EndLostLink = 0;            // the link is healthy again: the lost-connection notice goes
-  // The scrolling profile: one step, with the pixel and on-flag of each curve.
+  // The scrolling profile: one step, with the pixel and on-flag of each
+  // curve, the curve window it is drawn in (CurveWindowId) and the channel
+  // whose pen draws it. Each window that has a curve of the step scrolls once.
   int ProfileStep = 0;
   int ProfileCount = 0;
   int ProfilePixel[OUTCOME_PROFILE_CHANNELS] = {};
   int ProfileOn[OUTCOME_PROFILE_CHANNELS] = {};
+  int ProfileWindow[OUTCOME_PROFILE_CHANNELS] = {};
+  int ProfilePen[OUTCOME_PROFILE_CHANNELS] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
   // The moving bars.
   int BarCount = 0;
   BarMove Bars[OUTCOME_BARS];

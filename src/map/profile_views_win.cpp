@@ -76,8 +76,11 @@ const ScaleTickTable& TicksOfWindow(int windowId) {
   return BarTicks(BarWindowOfId(windowId));
 }
 
-void ProfileScroll(HWND curve, const int pixels[], const int on[], int count, const ScaleTickTable& ticks) {
-  if (!curve) return;
+namespace {
+
+// One window's scroll and the strokes of its curves.
+void ProfileScroll(HWND curve, int window, const ReadingOutcome& out, const ProfileStroke strokes[],
+                   const ScaleTickTable& ticks) {
   HDC dc = GetDC(curve);
   if (!dc) return;
   const int w = WindowWidth(curve), h = WindowHeight(curve);
@@ -89,12 +92,10 @@ void ProfileScroll(HWND curve, const int pixels[], const int on[], int count, co
     LineTo(dc, x, h);
   }
   ScaleLines(dc, ticks, c - 1, c + 2);
-  ProfileStroke strokes[PROFILE_CHANNELS];
-  PlanProfileStep(pixels, on, count, strokes);
-  for (int i = 0; i < count && i < PROFILE_CHANNELS; ++i) {
+  for (int i = 0; i < out.ProfileCount && i < PROFILE_CHANNELS; ++i) {
     const ProfileStroke& s = strokes[i];
-    if (s.Kind == STROKE_NONE) continue;
-    SelectObject(dc, Tools.PenProfile[i % 8]);
+    if (s.Kind == STROKE_NONE || out.ProfileWindow[i] != window) continue;
+    SelectObject(dc, Tools.PenProfile[out.ProfilePen[i] % 8]);
     if (s.Kind == STROKE_POINT) {
       MoveToEx(dc, c, s.ToY, nullptr);
       LineTo(dc, c + 1, s.ToY);
@@ -105,6 +106,21 @@ void ProfileScroll(HWND curve, const int pixels[], const int on[], int count, co
   }
   SelectObject(dc, oldPen);
   ReleaseDC(curve, dc);
+}
+
+}  // namespace
+
+void ProfileStep(const ReadingOutcome& out) {
+  const int count = out.ProfileCount < PROFILE_CHANNELS ? out.ProfileCount : PROFILE_CHANNELS;
+  ProfileStroke strokes[PROFILE_CHANNELS];
+  PlanProfileStep(out.ProfilePixel, out.ProfileOn, count, strokes);
+  for (int window = 0; window < CURVE_WINDOW_COUNT; ++window) {
+    HWND curve = LoggingWindows.Curves[window];
+    if (!curve || !IsWindowVisible(curve)) continue;
+    bool has = false;
+    for (int i = 0; i < count; ++i) has = has || out.ProfileWindow[i] == window;
+    if (has) ProfileScroll(curve, window, out, strokes, Scales.ProfileTicks);
+  }
 }
 
 namespace {
@@ -133,6 +149,7 @@ void MoveBarsOfWindow(const ReadingOutcome& out, int bars) {
     BarRectangle rects[2];
     const int n = PlanMovingBar(bars, index, move.Pixel, ticks, h, L.BarLeft[index], L.BarWidth, rects);
     for (int k = 0; k < n; ++k) FillBar(dc, rects[k], move.Channel);
+    RememberBarChannel(bars, index, move.Channel);
   }
   ScaleLines(dc, ticks, 0, w);
   SelectObject(dc, oldPen);
@@ -211,7 +228,7 @@ void PaintReadoutWindow(HWND window, HDC dc) {
     for (int b = 0; b < L.BarCount && b < 4; ++b) {
       const int kept = ProfileMemory.BarKept[bars][b];
       if (kept < 0) continue;
-      const int channel = bars == BAR_WINDOW_I ? 2 + b : b;
+      const int channel = ProfileMemory.BarChannel[bars][b];
       BarRectangle r{0, L.BarLeft[b], kept < base ? kept : base, L.BarLeft[b] + L.BarWidth, kept < base ? base : kept};
       FillBar(dc, r, channel);
     }

@@ -128,8 +128,7 @@ bool AnyScreenText(const ReadingOutcome& out) {
 
 void ApplyReadingOutcome(HWND screen, ReadingOutcome& out) {
   if (out.EndLostLink) EndLostLinkNotice(screen);
-  if (out.ProfileStep && LoggingWindows.Curves[0] && IsWindowVisible(LoggingWindows.Curves[0]))
-    ProfileScroll(LoggingWindows.Curves[0], out.ProfilePixel, out.ProfileOn, out.ProfileCount, Scales.ProfileTicks);
+  if (out.ProfileStep) ProfileStep(out);
   if (out.BarCount) MovingBars(out);
   if (out.NumbersShown) {
     ShowNumbers(LoggingWindows.Numbers, out);

@@ -8,6 +8,7 @@ import re
 import subprocess
 import time
 
+import em31_family_walk as walk
 import harness
 import test_gps_survey as survey
 import test_session_start as session
@@ -330,3 +331,66 @@ def recording(checks, label, recs, sent, lx2=False, as_sent=None):
     checks.check(all(tick(r) >= start_tick for r in logged), label + ": no reading older than \"$STARTED\"")
     harness.log("%s: %d readings logged" % (label, len(logged)))
     return logged
+
+
+# ------------------------------------------------------------------ the views beside the map
+
+# The channels' pens and brushes by default: blue, green, red, magenta.
+PENS = {0x0000FF, 0x00FF00, 0xFF0000, 0xFF00FF}
+CURVE_ID, DECAY_ID, BAR_Q_ID, BAR_I_ID, MAP_ID = 600, 610, 620, 630, 652
+MK2_SCALE = {"ScaleMin": 32, "ScaleMax": 33}
+LX2_SCALE = {"ScaleMin": 33, "ScaleMax": 34}
+
+
+def visible_rects(box, control_id):
+    return [row["rect"] for row in box.windows() if row["id"] == control_id and row["visible"]]
+
+
+def pen_pixels(png, rect):
+    """{pen colour: pixels} inside a window."""
+    counts = {}
+    for p in walk.pixels_of(png, rect):
+        if p in PENS:
+            counts[p] = counts.get(p, 0) + 1
+    return counts
+
+
+def bars_standing(box, shot, bars, bar_windows):
+    for control_id in bar_windows:
+        rects = visible_rects(box, control_id)
+        if len(rects) != 1 or len([v for v in pen_pixels(shot, rects[0]).values() if v > 10]) < bars:
+            return False
+    return True
+
+
+def check_views(checks, label, box, name, curves, bars, bar_windows, colour_image, tries=10):
+    """Screenshots `name` of a Logging screen, one a second until the bars of
+    a target stand: `curves` curve windows each with curves in the pens'
+    colours, `bars` bars in each of `bar_windows` (their ids), and with
+    `colour_image` the swath on the map in class colours. The windows' places
+    are read from the screen as it stands."""
+    for _ in range(tries):
+        shot = box.screenshot(name)
+        if bars_standing(box, shot, bars, bar_windows):
+            break
+        time.sleep(1.0)
+    curve_rects = visible_rects(box, CURVE_ID)
+    checks.equal(len(curve_rects), curves, label + ": %d curve window(s) shown" % curves)
+    for i, rect in enumerate(curve_rects):
+        pens = pen_pixels(shot, rect)
+        checks.check(sum(pens.values()) > 60 and len(pens) == bars,
+                     label + ": curve window %d draws the curves in the pens' colours %s" %
+                     (i + 1, dict((hex(k), v) for k, v in pens.items())))
+    for control_id in bar_windows:
+        rects = visible_rects(box, control_id)
+        if not checks.check(len(rects) == 1, label + ": bar window %d shown" % control_id):
+            continue
+        pens = pen_pixels(shot, rects[0])
+        checks.check(len(pens) == bars and all(v > 10 for v in pens.values()),
+                     label + ": %d bars in window %d, each in its channel's colour %s" %
+                     (bars, control_id, dict((hex(k), v) for k, v in pens.items())))
+    if colour_image:
+        maps = visible_rects(box, MAP_ID)
+        if checks.check(len(maps) == 1, label + ": the map is shown"):
+            coloured = walk.colour_pixels(shot, maps[0])
+            checks.check(coloured > 300, label + ": the swath is painted in class colours (%d pixels)" % coloured)

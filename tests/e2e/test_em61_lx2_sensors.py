@@ -9,9 +9,10 @@ import time
 
 import harness
 import test_session_start as session
-from em61_walk import (LX2_LINES, calibration_values, create_file, data_file, leave, lx2_values, mean_windows,
-                       received, recording, records, sent_frames, settings, sounds, start_simulator, start_traced,
-                       tag_counts, tell, wait_normalised, wait_screen)
+from em61_walk import (BAR_I_ID, BAR_Q_ID, DECAY_ID, LX2_LINES, LX2_SCALE, calibration_values, check_views,
+                       create_file, data_file, leave, lx2_values, mean_windows, received, recording, records,
+                       sent_frames, settings, sounds, start_session, start_simulator, start_traced, tag_counts, tell,
+                       wait_normalised, wait_screen)
 
 SPEED = 2.0
 EVERY = 6.0
@@ -75,6 +76,35 @@ def run(checks, program, two, alarm_type, expected_words, expected_flags):
         recording(checks, label, recs, sent, lx2=True)
 
 
+def views(checks, two):
+    """Kelvo61LX2 with the GPS: one sensor's early, late and filtered curves in
+    the first curve window and three bars in the decay window; with two
+    sensors each sensor's curves in a curve window of its own and its three
+    bars in a bar window of its own; the swath of the late channel on the map."""
+    program = "Kelvo61LX2"
+    label = program + " views" + (" two sensors" if two else " one sensor")
+    with harness.Sandbox("em61-lx2-views-%s" % ("two" if two else "one")) as box:
+        path = session.first_start(box, program)
+        settings(path, dict(LX2_LINES, **LX2_SCALE),
+                 {"GpsInput": 1, "GpsDataOption": 1, "SampleInterval": "0.100000", "Em61Type": 2,
+                  "SensorCount": 1 if two else 0, "AlarmType": 0, "AudioDisconnectAlarm": 0, "MapDisplayMode": 2,
+                  "ScaleMin": "-10.000000", "ScaleMax": "150.000000"})
+        run, window, trace = start_traced(box, program)
+        sim, log = start_simulator(box, "em61lx2", ["--sensors", "2" if two else "1", "--target-every", "3",
+                                                     "--target-amplitude", "900"], gps=True)
+        if not start_session(checks, box, window, log, label, "LX2VIEW"):
+            return
+        box.key(window, "g")
+        checks.check(wait_screen(box, 460, "P A U S E"), label + ": Logging")
+        time.sleep(6)
+        check_views(checks, label, box, "em61-lx2-views-%s" % ("two" if two else "one"), 2 if two else 1, 3,
+                    [BAR_Q_ID, BAR_I_ID] if two else [DECAY_ID], True)
+        box.key(window, "p")
+        checks.check(wait_screen(box, 460, "&Go"), label + ": a key pauses")
+        leave(box, checks, label, window, run)
+        tell(sim, "quit")
+
+
 def main():
     checks = harness.Checks()
     # Simple: the side of the first reading over the level; the pair of targets
@@ -82,6 +112,8 @@ def main():
     run(checks, "Kelvo61LX2", True, 1, ["LEFTSOUND", "BETWEENSOUND", "RIGHTSOUND", "LEFTSOUND", "LEFTSOUND"], 0x40005)
     # Enhanced: the target between the sensors' line peaks above the maximum level.
     run(checks, "Lum61LX2", False, 2, ["RINGINSOUND"] * 4, 0x40005)
+    views(checks, False)
+    views(checks, True)
     checks.finish()
 
 

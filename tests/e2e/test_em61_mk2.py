@@ -11,10 +11,10 @@ import time
 
 import harness
 import test_session_start as session
-from em61_walk import (MK2_LINES, READING_TAGS, answer, calibration_values, data_file, in_order_once, leave,
-                       marker_ticks, mean_windows, mk2_values, received, received_times, recording, records,
-                       sent_frames, settings, start_session, start_simulator, start_traced, tag_counts, tell, tick,
-                       wait_screen)
+from em61_walk import (DECAY_ID, MK2_LINES, MK2_SCALE, READING_TAGS, answer, calibration_values, check_views,
+                       data_file, in_order_once, leave, marker_ticks, mean_windows, mk2_values, received,
+                       received_times, recording, records, sent_frames, settings, start_session, start_simulator,
+                       start_traced, tag_counts, tell, tick, wait_screen)
 
 def readings(recs, begin, end):
     return [r for r in recs[begin:end] if r[0:1] in READING_TAGS]
@@ -90,6 +90,29 @@ def continuous(checks):
                      program + ": the average current in offsets 10 to 12")
 
 
+def views(checks):
+    """Kelvo61MK2 with the GPS: the four channels' curves in the first curve
+    window, four bars in the decay window, the swath of channel 3 on the map."""
+    program = "Kelvo61MK2"
+    with harness.Sandbox("em61-mk2-views") as box:
+        path = session.first_start(box, program)
+        lines = dict(MK2_LINES, **MK2_SCALE)
+        settings(path, lines, {"GpsInput": 1, "GpsDataOption": 1, "SampleInterval": "0.100000", "Em61Type": 2,
+                               "MapDisplayMode": 3, "ScaleMin": "-10.000000", "ScaleMax": "150.000000"})
+        run, window, trace = start_traced(box, program)
+        sim, log = start_simulator(box, "em61mk2", ["--target-every", "3", "--target-amplitude", "900"], gps=True)
+        if not start_session(checks, box, window, log, program + " views", "MK2VIEW"):
+            return
+        box.key(window, "g")
+        checks.check(wait_screen(box, 460, "P A U S E"), program + " views: Logging")
+        time.sleep(6)
+        check_views(checks, program + " views", box, "em61-mk2-views", 1, 4, [DECAY_ID], True)
+        box.key(window, "p")
+        checks.check(wait_screen(box, 460, "&Go"), program + " views: a key pauses")
+        leave(box, checks, program, window, run)
+        tell(sim, "quit")
+
+
 def polled(checks):
     program = "Lum61MK2"
     with harness.Sandbox("em61-mk2-polled") as box:
@@ -163,6 +186,7 @@ import re  # noqa: E402
 def main():
     checks = harness.Checks()
     continuous(checks)
+    views(checks)
     polled(checks)
     checks.finish()
 
