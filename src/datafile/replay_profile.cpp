@@ -36,6 +36,10 @@ void MergeIntoColumn(ProfileReplayColumn& column, const ReadingOutcome& out) {
   if (count > OUTCOME_PROFILE_CHANNELS) count = OUTCOME_PROFILE_CHANNELS;
   if (count > column.Count) column.Count = count;
   for (int i = 0; i < count; ++i) {
+    column.Window[i] = out.ProfileWindow[i];
+    column.Pen[i] = out.ProfilePen[i];
+  }
+  for (int i = 0; i < count; ++i) {
     if (!out.ProfileOn[i] || column.On[i]) continue;
     column.On[i] = 1;
     column.Pixel[i] = out.ProfilePixel[i];
@@ -65,10 +69,18 @@ void PutOldestFirst(int count) {
   while (count > 0 && ColumnEmpty(plan.Columns[count - 1])) --count;
   // Every column speaks for all curves, so that a curve broken by an empty
   // column starts afresh after it.
-  int curves = 0;
+  int widest = 0;
   for (int i = 0; i < count; ++i)
-    if (plan.Columns[i].Count > curves) curves = plan.Columns[i].Count;
-  for (int i = 0; i < count; ++i) plan.Columns[i].Count = curves;
+    if (plan.Columns[i].Count > plan.Columns[widest].Count) widest = i;
+  const ProfileReplayColumn& all = plan.Columns[widest];
+  for (int i = 0; i < count; ++i) {
+    ProfileReplayColumn& column = plan.Columns[i];
+    for (int k = column.Count; k < all.Count; ++k) {
+      column.Window[k] = all.Window[k];
+      column.Pen[k] = all.Pen[k];
+    }
+    column.Count = all.Count;
+  }
   for (int i = 0, j = count - 1; i < j; ++i, --j) {
     const ProfileReplayColumn kept = plan.Columns[i];
     plan.Columns[i] = plan.Columns[j];
@@ -127,4 +139,16 @@ void PlanProfileReplay(const ReplayFile& file, int width) {
   if (column < PROFILE_REPLAY_COLUMNS && !plan.WindowFull && !ColumnEmpty(plan.Columns[column])) count = column + 1;
   PutOldestFirst(count);
   SeekRecordsToEnd(cursor);
+}
+
+void ProfileReplayStep(int index, ReadingOutcome& out) {
+  const ProfileReplayColumn& column = ProfileReplayPlan.Columns[index];
+  out.ProfileStep = 1;
+  out.ProfileCount = column.Count;
+  for (int i = 0; i < column.Count && i < OUTCOME_PROFILE_CHANNELS; ++i) {
+    out.ProfilePixel[i] = column.Pixel[i];
+    out.ProfileOn[i] = column.On[i];
+    out.ProfileWindow[i] = column.Window[i];
+    out.ProfilePen[i] = column.Pen[i];
+  }
 }

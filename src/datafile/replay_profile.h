@@ -16,6 +16,8 @@ struct ProfileReplayColumn {
   int Count = 0;
   int Pixel[OUTCOME_PROFILE_CHANNELS] = {};
   int On[OUTCOME_PROFILE_CHANNELS] = {};
+  int Window[OUTCOME_PROFILE_CHANNELS] = {};   // the curve window of each curve, as the reading named it
+  int Pen[OUTCOME_PROFILE_CHANNELS] = {};      // and the channel whose pen draws it
 };
 
 struct ProfileReplayPlanRecord {
@@ -28,6 +30,10 @@ struct ProfileReplayPlanRecord {
 
 extern ProfileReplayPlanRecord ProfileReplayPlan;
 
-// The plan for a profile window `width` pixels wide; the file's position is
+// The plan for profile windows `width` pixels wide; the file's position is
 // at its end afterwards.
 void PlanProfileReplay(const ReplayFile& file, int width);
+
+// Column `index` of the plan as the step of a live reading, for the
+// profile's own step to draw.
+void ProfileReplayStep(int index, ReadingOutcome& out);

@@ -13,6 +13,7 @@
 #include "map/map_canvas.h"
 #include "map/map_surface.h"
 #include "map/profile_views.h"
+#include "instruments/reading.h"
 #include "map/profile_views_win.h"
 #include "session/logging_screen_win.h"
 
@@ -35,20 +36,24 @@ void ReplayMapOfDataFile() {
 void InstallReplay() { MapCallPoints.ReplayMap = ReplayMapOfDataFile; }
 
 void RedrawProfiles() {
-  HWND curve = LoggingWindows.Curves[0];
-  if (!curve || !IsWindowVisible(curve) || !DataFileOpen()) return;
+  RECT client = {};
+  bool shown = false;
+  for (HWND curve : LoggingWindows.Curves) {
+    if (!curve || !IsWindowVisible(curve)) continue;
+    // The window is erased and its scale lines painted first, as its paint does.
+    RedrawWindow(curve, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+    if (!shown) GetClientRect(curve, &client);
+    shown = true;
+  }
+  if (!shown || !DataFileOpen()) return;
   const int processing = Session.ProcessingEnabled;
   Session.ProcessingEnabled = 0;
-  // The window is erased and its scale lines painted first, as its paint does.
-  RedrawWindow(curve, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
-  RECT client;
-  GetClientRect(curve, &client);
   PlanProfileReplay(ReplayFileOfHandle(DataFileState.DataFile), client.right - client.left);
   for (int i = 0; i < PROFILE_CHANNELS; ++i) ProfileMemory.HasPoint[i] = 0;
-  const ProfileReplayPlanRecord& plan = ProfileReplayPlan;
-  for (int i = 0; i < plan.ColumnCount; ++i) {
-    const ProfileReplayColumn& column = plan.Columns[i];
-    ProfileScroll(curve, column.Pixel, column.On, column.Count, Scales.ProfileTicks);
+  for (int i = 0; i < ProfileReplayPlan.ColumnCount; ++i) {
+    ReadingOutcome step;
+    ProfileReplayStep(i, step);
+    ProfileStep(step);
   }
   Session.ProcessingEnabled = processing;
 }

@@ -5,10 +5,14 @@
 
 #include "core/main_menu_summary.h"
 #include "core/numeric.h"
+#include "core/setup_lists.h"
 #include "core/state.h"
 #include "core/variant.h"
 #include "datafile/header_configuration.h"
 #include "instruments/em38_link_check.h"
+#include "instruments/em61_link.h"
+#include "instruments/em61_reading.h"
+#include "instruments/em61_session.h"
 #include "instruments/em_frame_reader.h"
 #include "instruments/em_text_reading.h"
 #include "instruments/reading.h"
@@ -25,6 +29,10 @@ constexpr int32_t ORANGE = 4227327;   // (255, 128, 64)
 constexpr int K = KEEP_DEFAULT;
 
 constexpr unsigned MapMode(int mode) { return 1u << mode; }
+
+const char* const Mk2PanelLabels[] = {"Ch1", "Ch2", "Ch3", "Ch4"};
+const char* const Lx2PanelLabels[] = {"ChE:", "ChL:", "ChF:"};
+const char* const Lx2TwoSensorPanelLabels[] = {"LE:", "LL:", "LF:", "RE:", "RL:", "RF:"};
 
 // Readings a Manual station takes, by the dipole and component settings.
 int ReadingsOfEm31(int dipole, int) { return dipole == 2 ? 2 : 1; }
@@ -122,7 +130,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {nullptr, nullptr, nullptr, nullptr},
                   .ReviewTitles = {"Review", "Review", "Review", "Review"},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE", .DisplayDialog = L"DISPLAYSETUP601"},
+                  .ScaleDialog = L"READINGSCALE",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 1, .ProfileLineWidth = {2, 3, K, K, K, K, K, K},
                      .ProfileColor = {BLUE, GREEN, K, K, K, K, K, K}, .SensorCount = 1, .SwathBar = 0.5,
@@ -145,6 +154,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_SENSORS, .DotRadius = 0.2, .Width = 0.0, .Length = 0.1, .PictureGeometry = GradiometerPicture,
                      .SummaryCells = GradiometerSummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP601", .SystemTemplate = L"SYSTEM601", .SystemNarrowTemplate = L"SYSTEMNARROW601",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY601", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY601", .ProfilesTemplate = L"DISPLAYSETUP601",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = nullptr, .Dipoles = nullptr,
+                  .ManualDipoles = nullptr, .Types = nullptr, .GeometryChoices = nullptr, .MapViews = &GradiometerViewNames},
     },
     {
         .Model = EM61LX2,
@@ -153,8 +166,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadTimeoutMultiplier = 10, .FrameMs = 55.078211059704785, .FrameLength = 14,
                  .ReadingMessage = WM_READING_LX2_ONE, .TwoSensorMessage = WM_READING_LX2_TWO, .TellsBySend = 1, .ReaderTickEvery = 9,
                  .Supervision = SUPERVISE_RECONNECT, .NullingStateAfterStart = 0, .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0,
-                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
-        .Reading = {.Handle = nullptr, .StartSession = nullptr,
+                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = Em61HandshakeCheck},
+        .Reading = {.Handle = TakeLx2Reading, .StartSession = ResetEm61Session,
                     .ReplayColourEntry = nullptr, .ReplayProfileReading = nullptr},
         .Views = {.ChannelCount = 3, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 2, 5, 2, 3, 6, 7},
                   .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
@@ -167,7 +180,9 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Ch E", "Ch L", "Ch F", nullptr},
                   .ReviewTitles = {"Review ChE", "Review ChL", "Review ChF", nullptr},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE", .DisplayDialog = L"DISPLAYSETUPLX2"},
+                  .ScaleDialog = L"READINGSCALE",
+                  .PanelLabels = Lx2PanelLabels,
+                  .TwoSensorPanelLabels = Lx2TwoSensorPanelLabels, .PanelLabelCount = 3},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 2, .NullingDone = 0, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 5, .ProfileLineWidth = {2, 3, 4, 2, 2, 3, 4, 1},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -191,6 +206,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"Alarms S&etup", .Picture = PICTURE_YELLOW_COILS, .DotRadius = 0.1, .Width = 1.0, .Length = 0.5, .PictureGeometry = Lx2Picture,
                      .SummaryCells = Lx2SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUPLX2", .SystemTemplate = L"SYSTEMLX2", .SystemNarrowTemplate = L"SYSTEMLX2V",
+                  .ButtonThreeTemplate = L"ALARMLX2", .ButtonThreeNarrowTemplate = L"ALARMLX2", .ProfilesTemplate = L"DISPLAYSETUPLX2",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = nullptr, .Dipoles = nullptr,
+                  .ManualDipoles = nullptr, .Types = &Lx2TypeNames, .GeometryChoices = nullptr, .MapViews = &Lx2ViewNames},
     },
     {
         .Model = EM61MK2,
@@ -200,8 +219,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadingMessage = WM_READING_EM61, .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 9,
                  .Supervision = SUPERVISE_RECONNECT_POLLED, .NullingStateAfterStart = 0,
                  .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0,
-                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
-        .Reading = {.Handle = nullptr, .StartSession = nullptr,
+                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = Em61HandshakeCheck},
+        .Reading = {.Handle = TakeEm61Mk2Reading, .StartSession = ResetEm61Session,
                     .ReplayColourEntry = nullptr, .ReplayProfileReading = nullptr},
         .Views = {.ChannelCount = 4, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
@@ -214,7 +233,9 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Channel 1", "Channel 2", "Channel 3", "Channel 4/T"},
                   .ReviewTitles = {"Review Ch1", "Review Ch2", "Review Ch3", "Review Ch4/T"},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE", .DisplayDialog = L"DISPLAYSETUP"},
+                  .ScaleDialog = L"READINGSCALE",
+                  .PanelLabels = Mk2PanelLabels,
+                  .TwoSensorPanelLabels = Mk2PanelLabels, .PanelLabelCount = 4},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 3, .NullingDone = 0, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 5, .ProfileLineWidth = {2, 3, 4, 2, 2, 3, 4, 1},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -237,6 +258,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_RED_COIL, .DotRadius = 0.1, .Width = 1.0, .Length = 0.5, .PictureGeometry = Em61Mk2Picture,
                      .SummaryCells = Em61Mk2SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRYNARROW", .ProfilesTemplate = L"DISPLAYSETUP",
+                  .SurveyModes = &Em61Mk2Modes, .SurveyModeValues = Em61Mk2ModeValues, .Components = nullptr, .Dipoles = nullptr,
+                  .ManualDipoles = nullptr, .Types = &Em61Mk2TypeNames, .GeometryChoices = &SensorSizeNames, .MapViews = &Em61Mk2ViewNames},
     },
     {
         .Model = EM31MK2,
@@ -259,7 +284,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Conductivity", "Inphase", nullptr, nullptr},
                   .ReviewTitles = {"Review Conductivity", "Review Inphase", nullptr, nullptr},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE31", .DisplayDialog = L"DISPLAYSETUP31"},
+                  .ScaleDialog = L"READINGSCALE31",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
                      .MapSwathIndex = 2, .ProfileLineWidth = {3, 2, 3, 2, 2, 2, 2, 2},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -282,6 +308,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BOOM, .DotRadius = 0.18, .Width = 0.16, .Length = 3.6, .PictureGeometry = Em31Picture,
                      .SummaryCells = Em31SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP31", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY31", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY31", .ProfilesTemplate = L"DISPLAYSETUP31",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = &Em31ComponentNames, .Dipoles = &DipoleModeNames,
+                  .ManualDipoles = nullptr, .Types = &CoilLengthTypeNames, .GeometryChoices = nullptr, .MapViews = &Em31ViewNames},
     },
     {
         .Model = EM38,
@@ -304,7 +334,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Conductivity VDM", "Conductivity HDM", "Inphase VDM", "Inphase HDM"},
                   .ReviewTitles = {"Review Conductivity", "Review Conductivity", "Review Inphase", "Review Inphase"},
                   .TitleBySelection = 1,
-                  .ScaleDialog = L"READINGSCALE31", .DisplayDialog = L"DISPLAYSETUP31"},
+                  .ScaleDialog = L"READINGSCALE31",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
                      .MapSwathIndex = 1, .ProfileLineWidth = {3, 2, 3, 2, 2, 2, 2, 2},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -327,6 +358,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BAR, .DotRadius = 0.1, .Width = 0.05, .Length = 1.0, .PictureGeometry = nullptr,
                      .SummaryCells = Em38SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP38", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY38", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY38", .ProfilesTemplate = L"DISPLAYSETUP31",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = &Em38ComponentNames, .Dipoles = &DipoleModeNames,
+                  .ManualDipoles = nullptr, .Types = nullptr, .GeometryChoices = nullptr, .MapViews = &Em38ViewNames},
     },
     {
         .Model = EM343,
@@ -349,7 +384,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {nullptr, nullptr, nullptr, nullptr},
                   .ReviewTitles = {nullptr, nullptr, nullptr, nullptr},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE34", .DisplayDialog = L"DISPLAYSETUP34"},
+                  .ScaleDialog = L"READINGSCALE34",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 6, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 2, .ProfileLineWidth = {3, 3, 3, 2, 2, 2, K, K},
                      .ProfileColor = {BLUE, GREEN, RED, CYAN, ORANGE, MAGENTA, K, K}, .SensorCount = K,
@@ -372,6 +408,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .ArrayCornersInManual = 1},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_END_COILS, .DotRadius = 0.6, .Width = 1.2, .Length = 10.0, .PictureGeometry = Em343Picture,
                      .SummaryCells = Em343SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP34", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY34", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY34", .ProfilesTemplate = L"DISPLAYSETUP34",
+                  .SurveyModes = &Em343Modes, .SurveyModeValues = Em343ModeValues, .Components = nullptr, .Dipoles = &Em343SeparationNames,
+                  .ManualDipoles = &Em343ReadingCountNames, .Types = nullptr, .GeometryChoices = &CoilReferenceNames, .MapViews = nullptr},
     },
     {
         .Model = EM38MK2,
@@ -394,7 +434,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Conductivity 1 m", "Inphase 1 m", "Conductivity 0.5 m", "Inphase 0.5 m"},
                   .ReviewTitles = {"Review Conductivity 1 m", "Review Inphase 1 m", "Review Conductivity 0.5 m", "Review Inphase 0.5 m"},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE31", .DisplayDialog = L"DISPLAYSETUP38MK2"},
+                  .ScaleDialog = L"READINGSCALE31",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 8, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
                      .MapSwathIndex = 1, .ProfileLineWidth = {3, 3, 3, 3, 2, 2, 2, 2},
                      .ProfileColor = {BLUE, GREEN, RED, ORANGE, BLUE, GREEN, RED, ORANGE}, .SensorCount = K,
@@ -417,6 +458,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BAR_MK2, .DotRadius = 0.1, .Width = 0.04, .Length = 1.0, .PictureGeometry = nullptr,
                      .SummaryCells = Em38Mk2SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP38MK2", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY38", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY38", .ProfilesTemplate = L"DISPLAYSETUP38MK2",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = nullptr, .Dipoles = &DipoleModeNames,
+                  .ManualDipoles = nullptr, .Types = &Em38Mk2TypeNames, .GeometryChoices = nullptr, .MapViews = &Em38Mk2ViewNames},
     },
 };
 
