@@ -13,16 +13,7 @@ namespace {
 
 constexpr int COLUMN_STEP = 2;   // one reading moves the live profile two pixels
 
-// Readings by their tag: a 'T' takes a column of its own; the stacked
-// readings of a Manual station ('2' to '6') and the second kind of frame
-// ('t') stand in the column of the 'T' before them.
-enum TagKind { TAG_OTHER, TAG_OWN_COLUMN, TAG_SHARED_COLUMN };
-
-TagKind KindOfTag(int tag) {
-  if (tag == 'T') return TAG_OWN_COLUMN;
-  if (tag == 't' || (tag >= '2' && tag <= '6')) return TAG_SHARED_COLUMN;
-  return TAG_OTHER;
-}
+ReadingOutcome ReplayOutcome;
 
 // A station, or a pause: the curves break, and a column stays empty.
 bool IsBreak(const unsigned char* record) {
@@ -109,14 +100,15 @@ void PlanProfileReplay(const ReplayFile& file, int width) {
   while (x >= 0 && column < PROFILE_REPLAY_COLUMNS && PreviousRecord(cursor, record)) {
     ++plan.Records;
     const int tag = record[0];
-    const TagKind kind = KindOfTag(tag);
     bool advance = false;
-    if (kind != TAG_OTHER) {
-      ReadingOutcome out;
-      if (readingOf && readingOf(record, out)) {
-        MergeIntoColumn(plan.Columns[column], out);
-        advance = kind == TAG_OWN_COLUMN;
-      }
+    // One outcome serves every record: a hook fills the curves it names.
+    ReadingOutcome& out = ReplayOutcome;
+    out.ProfileCount = 0;
+    out.BarCount = 0;
+    const int place = readingOf ? readingOf(record, out) : 0;
+    if (place == PROFILE_OWN_COLUMN || place == PROFILE_SHARED_COLUMN) {
+      MergeIntoColumn(plan.Columns[column], out);
+      advance = place == PROFILE_OWN_COLUMN;
     } else if (IsBreak(record)) {
       advance = true;
     } else if (tag == 'O') {

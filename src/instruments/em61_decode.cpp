@@ -197,6 +197,24 @@ Em61Reading RedecodeEm61Mk2(const unsigned char* frame, const double offsets[4])
   return r;
 }
 
+Lx2Reading RedecodeLx2(const unsigned char* frame, int sensors, const double offsets[4]) {
+  Lx2Reading r;
+  double channels[4];
+  ScaleChannels(channels, frame, LX2_RAW_TO_MV);
+  r.Current = Em61Word(frame, 10) + (signed char)frame[12] / 100.0;
+  r.Gain = frame[1];
+  r.Letter = frame[0];
+  // The raw current is gone from the record: its average chooses the reference.
+  const double reference = r.Current > LX2_HIGH_CURRENT ? LX2_REFERENCE_HIGH : LX2_REFERENCE;
+  const double factor = (r.Current == 0.0 || Settings.Em61Type == 2) ? 1.0 : reference / r.Current;
+  NormaliseAndOffset(channels, sensors * 2, factor, offsets);
+  for (int side = 0; side < sensors; ++side) {
+    r.Early[side] = channels[2 * side];
+    r.Late[side] = channels[2 * side + 1];
+  }
+  return r;
+}
+
 void RootDisplay(const double in[4], double out[4], int compressed) {
   for (int i = 0; i < 4; ++i) {
     if (compressed != 1) {

@@ -84,6 +84,9 @@ struct Lx2Reading {
 };
 Lx2Reading DecodeLx2One(unsigned char* frame);
 Lx2Reading DecodeLx2Two(unsigned char* frame);
+// The same scale on a frame read back from a data file, with its average
+// current of offsets 10 to 12 and the given offsets; the ring stays as it is.
+Lx2Reading RedecodeLx2(const unsigned char* frame, int sensors, const double offsets[4]);
 
 // Normalising at the start of a session: one frame's raw current into the
 // ring. Returns the percentage filled; on the 98th frame the sum is formed

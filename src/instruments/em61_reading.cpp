@@ -5,6 +5,7 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "datafile/records.h"
+#include "datafile/replay_map.h"
 #include "gps/reading_bucket.h"
 #include "instruments/instrument.h"
 #include "instruments/em61_decode.h"
@@ -253,4 +254,79 @@ void TakeLx2Reading(ReadingOutcome& out) {
     default: break;
   }
   Link.FrameBuffer[0] = 0;
+}
+
+// ---------------------------------------------------------------- replay
+// A reading record holds the frame's first 16 bytes as the handler left them:
+// the letter, the gain byte, the four channel words and the average current
+// of the ring with its hundredths, so that the reading is scaled again as it
+// was scaled live. The map takes the header's zero levels and filter ratios,
+// the profile those of the session, for the readings of its current line.
+
+namespace {
+
+bool ReplayedLetter(unsigned char letter) { return letter && strchr("TDEFMNPQ", letter) != nullptr; }
+
+int ReplaySensors() { return TwoSensorsInUse() ? 2 : 1; }
+
+void Mk2Display(const unsigned char* record, const double offsets[4], double display[4]) {
+  const Em61Reading r = RedecodeEm61Mk2(record, offsets);
+  RootDisplay(r.Channels, display, Settings.ProfileScaleKind);
+}
+
+// E, L and F of each sensor, as the handler forms them.
+void Lx2Values(const unsigned char* record, int sensors, const double offsets[4], const double ratios[2],
+               double values[6]) {
+  const Lx2Reading r = RedecodeLx2(record, sensors, offsets);
+  for (int side = 0; side < sensors; ++side) {
+    values[3 * side] = r.Early[side];
+    values[3 * side + 1] = r.Late[side];
+    values[3 * side + 2] = r.Early[side] - ratios[side] * r.Late[side];
+  }
+}
+
+}  // namespace
+
+int ReplayEm61Mk2ColourEntry(const unsigned char* record, int32_t& entry) {
+  const int channel = Settings.MapDisplayMode;
+  if (!ReplayedLetter(record[0]) || channel < 1 || channel > 4) return 0;
+  double display[4];
+  Mk2Display(record, ReplayCalibration.ZeroLevels, display);
+  entry = ReadingColourOf(display[channel - 1]);
+  return 1;
+}
+
+int ReplayEm61Mk2ProfileReading(const unsigned char* record, ReadingOutcome& out) {
+  if (!ReplayedLetter(record[0])) return 0;
+  double display[4];
+  Mk2Display(record, Em61Scale.ChannelOffsets, display);
+  ProfileChannels(out, display, 0, 4, CURVE_WINDOW_FIRST);
+  return PROFILE_OWN_COLUMN;
+}
+
+int ReplayLx2ColourEntry(const unsigned char* record, int32_t& entry) {
+  if (!ReplayedLetter(record[0])) return 0;
+  const int sensors = ReplaySensors();
+  double values[6] = {};
+  Lx2Values(record, sensors, ReplayCalibration.ZeroLevels, ReplayCalibration.FilterValues, values);
+  const int left = Lx2Colour(values[0], values[1], values[2]);
+  if (left < 0) return 0;
+  const int right = sensors == 2 ? Lx2Colour(values[3], values[4], values[5]) : 0;
+  entry = left + 64 * right;
+  return 1;
+}
+
+int ReplayLx2ProfileReading(const unsigned char* record, ReadingOutcome& out) {
+  if (!ReplayedLetter(record[0])) return 0;
+  const int sensors = ReplaySensors();
+  const double ratios[2] = {Model.FilterRatioLeft, Model.FilterRatioRight};
+  double values[6] = {};
+  Lx2Values(record, sensors, Em61Scale.ChannelOffsets, ratios, values);
+  if (sensors == 2) {
+    ProfileChannels(out, values, 0, 3, CURVE_WINDOW_UPPER);
+    ProfileChannels(out, values + 3, 3, 3, CURVE_WINDOW_LOWER);
+  } else {
+    ProfileChannels(out, values, 0, 3, CURVE_WINDOW_FIRST);
+  }
+  return PROFILE_OWN_COLUMN;
 }

@@ -4,8 +4,16 @@
 // calibration's two parts, or the normal reading with its record, station,
 // panels and (LX2) target alarm.
 #pragma once
+#include <cstdint>
 
 struct ReadingOutcome;
 
 void TakeEm61Mk2Reading(ReadingOutcome& out);
 void TakeLx2Reading(ReadingOutcome& out);
+
+// Replay of a reading record from the data file: its colour entry for the
+// map's image (0 when it gives none), and its curves for the profile.
+int ReplayEm61Mk2ColourEntry(const unsigned char* record, int32_t& entry);
+int ReplayEm61Mk2ProfileReading(const unsigned char* record, ReadingOutcome& out);
+int ReplayLx2ColourEntry(const unsigned char* record, int32_t& entry);
+int ReplayLx2ProfileReading(const unsigned char* record, ReadingOutcome& out);

@@ -333,11 +333,16 @@ int ReplayEntry(const unsigned char* record, EmStatusForm form, int32_t& entry) 
   return 1;
 }
 
+// A 'T' has a column of its own; the stacked readings that follow it stand
+// in its column.
 int ReplayProfile(const unsigned char* record, EmStatusForm form, ReadingOutcome& out) {
+  const int tag = record[0];
+  const bool stacked = tag >= '2' && tag <= '6';
+  if (tag != 'T' && !stacked) return 0;
   EmReading r;
   EmDecodeFrame(record, RECORD_FRAME_LENGTH, form, DecodeSettings(), r);
   StripPositions(out, r, form);
-  return 1;
+  return stacked ? PROFILE_SHARED_COLUMN : PROFILE_OWN_COLUMN;
 }
 
 }  // namespace

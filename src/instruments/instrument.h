@@ -110,6 +110,10 @@ struct LinkDescription {
   int (*CheckLink)(const LinkPort& port);
 };
 
+// Places of a replayed reading in the profile.
+constexpr int PROFILE_OWN_COLUMN = 1;
+constexpr int PROFILE_SHARED_COLUMN = 2;
+
 // The reading handler on the main thread.
 struct ReadingDescription {
   void (*Handle)(ReadingOutcome& out);   // nullptr: readings are not yet handled
@@ -119,7 +123,10 @@ struct ReadingDescription {
   // shown; 0 when it gives none.
   int (*ReplayColourEntry)(const unsigned char* record, int32_t& entry);
   // The same met by the profile's replay: its curves into `out` as a live
-  // reading gives them; 0 when it is no reading of the profile.
+  // reading gives them. Returns its place: PROFILE_OWN_COLUMN, or
+  // PROFILE_SHARED_COLUMN for a reading drawn in the column of the one
+  // before it (a Manual station's stacked readings); 0 when it is no
+  // reading of the profile.
   int (*ReplayProfileReading)(const unsigned char* record, ReadingOutcome& out);
 };
 

@@ -17,7 +17,10 @@
 #include "datafile/replay_profile.h"
 #include "gps/position_pipeline.h"
 #include "gps/reading_bucket.h"
+#include "instruments/em61_decode.h"
+#include "instruments/em61_session.h"
 #include "instruments/em_text_reading.h"
+#include "instruments/filter_factor.h"
 #include "instruments/instrument.h"
 #include "instruments/reading.h"
 #include "map/colour_swath.h"
@@ -640,6 +643,156 @@ TEST(ProfileOfJunkNeverBreaks) {
   PlanProfileReplay(FileOf(junk), 2100);
   CHECK(ProfileReplayPlan.ColumnCount <= PROFILE_REPLAY_COLUMNS);
   CHECK_EQ(Memory.Position, Memory.Size);
+}
+
+// ---------------------------------------------------------------- EM61 family
+
+namespace {
+
+// An EM61 frame as the reader hands it over: letter, gain byte (all gains
+// 1), four channel words, the current word, the battery byte.
+void Em61Frame(char letter, const int channels[4], int current) {
+  memset(Link.FrameBuffer, 0, sizeof Link.FrameBuffer);
+  unsigned char* f = Link.FrameBuffer;
+  f[0] = (unsigned char)letter;
+  for (int i = 0; i < 5; ++i) {
+    const int word = i < 4 ? channels[i] : current;
+    f[2 + 2 * i] = (unsigned char)((word >> 8) & 0xFF);
+    f[3 + 2 * i] = (unsigned char)(word & 0xFF);
+  }
+  f[12] = 80;
+  f[13] = 0x7F;
+}
+
+// A session of the EM61 family in its normal state with a ring full of one
+// current, so that the average stands still, and the given zero levels; the
+// header carries them as the file's does.
+std::string FreshEm61(int model, int displayMode, int sensors, const double levels[4]) {
+  Fresh(4, model, displayMode);
+  Settings.Em61Type = 0;
+  Settings.SensorCount = sensors - 1;
+  Link.Em61FastLink = 1;
+  Model.NullingState = NULLING_NORMAL;
+  Em61Scale = Em61ScaleRecord();
+  for (double& current : Em61Scale.Ring) current = 1800.0;
+  Em61Scale.RingSum = 1800.0 * NORMALISATION_RING;
+  Em61Scale.AverageCurrent = 1800.0;
+  Em61Scale.RingFilled = 1;
+  std::string header = Record("KLVMK2  W227GPS0000000 1");
+  for (int i = 0; i < 4; ++i) {
+    Em61Scale.ChannelOffsets[i] = levels[i];
+    char text[32];
+    snprintf(text, sizeof text, "O%9.2f", levels[i]);
+    header += Record(text);
+  }
+  Settings.FilterFactorLeft = 310.0;
+  Settings.FilterFactorRight = 400.0;
+  Model.FilterRatioLeft = ConvertFilterFactor(310.0, 1);
+  Model.FilterRatioRight = ConvertFilterFactor(400.0, 1);
+  for (double factor : {310.0, 400.0}) {
+    char text[32];
+    snprintf(text, sizeof text, "I%9.2f %9.2f", factor, 0.0);
+    header += Record(text);
+  }
+  Scales.ProfileScaleFactor = 0.05;   // 100 pixels for 0 to 2000
+  Settings.ScaleMin = 0.0;
+  Settings.ScaleMax = 2000.0;
+  RecomputeColourWidth();
+  return header + Record("X$STARTED        5000");
+}
+
+// Live: `positions` positions east, one EM61 reading before each; the
+// profile steps the live handler gave, in order.
+std::vector<ReadingOutcome> LiveEm61Walk(int positions) {
+  std::vector<ReadingOutcome> steps;
+  Session.SessionState = SESSION_LOGGING;
+  Session.ProcessingEnabled = 1;
+  GpsLink.SessionStartTick = 0;
+  PositionPipeline.BucketState = 0;
+  for (int p = 0; p < positions; ++p) {
+    const int channels[4] = {100 + 37 * p, 900 - 23 * p, 300 + 71 * (p % 5), 40 * p};
+    Em61Frame("TDEF"[p % 4], channels, 1800);
+    Link.LastByteTick = 6000 + 100 * (uint32_t)p;
+    ReadingOutcome out;
+    HandleReading(out);
+    steps.push_back(out);
+    HandOverReadingBucket(1);
+    UpdateLiveMap(0, SESSION_LOGGING, 2.0, 0.5 + 0.9 * (p + 1), 0.9);
+  }
+  Session.SessionState = SESSION_STANDBY;
+  return steps;
+}
+
+// The live steps' curves as the plan's texts give them.
+std::string LiveColumns(const std::vector<ReadingOutcome>& steps) {
+  std::string all;
+  for (const ReadingOutcome& out : steps) {
+    std::string column;
+    char text[32];
+    for (int k = 0; k < out.ProfileCount; ++k) {
+      if (!out.ProfileOn[k]) continue;
+      snprintf(text, sizeof text, "%s%d:%d", column.empty() ? "" : ",", k, out.ProfilePixel[k]);
+      column += text;
+    }
+    if (!all.empty()) all += ' ';
+    all += column;
+  }
+  return all;
+}
+
+}  // namespace
+
+TEST(Em61Mk2IsReplayedAsItWasDrawnLive) {
+  const double levels[4] = {12.5, -3.25, 0.5, 7.0};
+  for (int compressed : {0, 1}) {
+    Capture.FileBytes = FreshEm61(EM61MK2, 3, 1, levels);
+    Settings.ProfileScaleKind = compressed;
+    const std::vector<ReadingOutcome> steps = LiveEm61Walk(10);
+    const std::vector<std::string> live = DataDrawing();
+    CHECK(live.size() > 30u);
+    ClearDrawing();
+    ReplayMapOf(Capture.FileBytes);
+    CHECK_EQ(ReplayMapCounts.Readings, 9);   // the first comes before the first "{0"
+    CHECK_NEAR(ReplayCalibration.ZeroLevels[1], -3.25, 1e-9);
+    CHECK_EQ(Joined(DataDrawing()), Joined(live));
+    PlanProfileReplay(FileOf(Capture.FileBytes), 200);
+    CHECK_EQ(Columns(), LiveColumns(steps));
+    CHECK_EQ(ProfileReplayPlan.Columns[0].Window[0], (int)CURVE_WINDOW_FIRST);
+  }
+}
+
+TEST(Em61Lx2WithTwoSensorsIsReplayedAsItWasDrawnLive) {
+  const double levels[4] = {2.0, -1.0, 4.5, 0.0};
+  for (int sensors : {1, 2}) {
+    Capture.FileBytes = FreshEm61(EM61LX2, 3, sensors, levels);
+    const std::vector<ReadingOutcome> steps = LiveEm61Walk(10);
+    const std::vector<std::string> live = DataDrawing();
+    CHECK(live.size() > 30u);
+    ClearDrawing();
+    ReplayMapOf(Capture.FileBytes);
+    CHECK_NEAR(ReplayCalibration.FilterValues[1], ConvertFilterFactor(400.0, 1), 1e-9);
+    CHECK_EQ(Joined(DataDrawing()), Joined(live));
+    PlanProfileReplay(FileOf(Capture.FileBytes), 200);
+    CHECK_EQ(Columns(), LiveColumns(steps));
+    const ProfileReplayColumn& last = ProfileReplayPlan.Columns[ProfileReplayPlan.ColumnCount - 1];
+    CHECK_EQ(last.Count, 3 * sensors);
+    CHECK_EQ(last.Window[0], sensors == 2 ? (int)CURVE_WINDOW_UPPER : (int)CURVE_WINDOW_FIRST);
+    if (sensors == 2) CHECK_EQ(last.Window[3], (int)CURVE_WINDOW_LOWER);
+  }
+}
+
+TEST(Em61ReplayTakesOnlyItsReadingLetters) {
+  const double levels[4] = {};
+  const std::string header = FreshEm61(EM61MK2, 1, 1, levels);
+  const int channels[4] = {100, 100, 100, 100};
+  Em61Frame('J', channels, 1800);   // a wheel letter: not a reading of the replay
+  std::string wheel((const char*)Link.FrameBuffer, 16);
+  wheel += "0000005000\n";
+  Em61Frame('Q', channels, 1800);
+  std::string marked((const char*)Link.FrameBuffer, 16);
+  marked += "0000005000\n";
+  PlanProfileReplay(FileOf(header + wheel + marked + wheel), 200);
+  CHECK_EQ(ProfileReplayPlan.ColumnCount, 1);
 }
 
 // ---------------------------------------------------------------- the file on Windows
