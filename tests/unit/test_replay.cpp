@@ -553,22 +553,26 @@ void FreshProfile(int model = EM31MK2) {
   Settings.Scale2Max = 25.0;
 }
 
-// The plan's columns as texts: "-" for an empty column, else the pixels of
-// the curves that are on, by curve.
+// Curves as a text: the pixels of those that are on, by curve; "-" for none.
+std::string CurvesText(int count, const int on[], const int pixel[]) {
+  std::string column;
+  char text[32];
+  for (int k = 0; k < count; ++k) {
+    if (!on[k]) continue;
+    snprintf(text, sizeof text, "%s%d:%d", column.empty() ? "" : ",", k, pixel[k]);
+    column += text;
+  }
+  return column.empty() ? std::string("-") : column;
+}
+
+// The plan's columns as texts, oldest first.
 std::string Columns() {
   std::string all;
   const ProfileReplayPlanRecord& plan = ProfileReplayPlan;
   for (int i = 0; i < plan.ColumnCount; ++i) {
     const ProfileReplayColumn& c = plan.Columns[i];
-    std::string column;
-    char text[32];
-    for (int k = 0; k < c.Count; ++k) {
-      if (!c.On[k]) continue;
-      snprintf(text, sizeof text, "%s%d:%d", column.empty() ? "" : ",", k, c.Pixel[k]);
-      column += text;
-    }
     if (!all.empty()) all += ' ';
-    all += column.empty() ? std::string("-") : column;
+    all += CurvesText(c.Count, c.On, c.Pixel);
   }
   return all;
 }
@@ -727,15 +731,8 @@ std::vector<ReadingOutcome> LiveEm61Walk(int positions) {
 std::string LiveColumns(const std::vector<ReadingOutcome>& steps) {
   std::string all;
   for (const ReadingOutcome& out : steps) {
-    std::string column;
-    char text[32];
-    for (int k = 0; k < out.ProfileCount; ++k) {
-      if (!out.ProfileOn[k]) continue;
-      snprintf(text, sizeof text, "%s%d:%d", column.empty() ? "" : ",", k, out.ProfilePixel[k]);
-      column += text;
-    }
     if (!all.empty()) all += ' ';
-    all += column;
+    all += CurvesText(out.ProfileCount, out.ProfileOn, out.ProfilePixel);
   }
   return all;
 }
