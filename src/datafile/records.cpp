@@ -452,6 +452,12 @@ void WriteGpsRecords(const char* text, uint32_t tick, char firstTag, char furthe
   SendGroup(group);
 }
 
+double CornerAsRecorded(double value) {
+  char text[400];
+  snprintf(text, sizeof text, "%14.3f", value);
+  return AsciiToDouble(text);
+}
+
 void WriteSwathCorners(char tag, int set, double x1, double y1, double x2, double y2) {
   RecordGroup group;
   BeginGroup(group);

@@ -59,6 +59,9 @@ void WriteMarkerRecord(const wchar_t* text, char tag);
 void WriteGpsRecords(const char* text, uint32_t tick, char firstTag, char furtherTag, char endTag,
                      char flag);
 void WriteSwathCorners(char tag, int set, double x1, double y1, double x2, double y2);
+// A corner's value as its record holds it ("%14.3f") and a replay reads it
+// back: the map draws footprint lines from these, live and replayed alike.
+double CornerAsRecorded(double value);
 
 // The reading record of the current frame in FrameBuffer. Its tick is
 // LastReadingTick, or LastByteTick for the EM61 family and the Grad601.

@@ -26,7 +26,7 @@ double LagOf(int separation) { return Model.Em34OffsetBySeparation[separation]; 
 PixelLine LineAt(const Ground& g) {
   double ends[4];
   FootprintLine(g.X, g.Y, g.Ux, g.Uy, ends);
-  return WorldToPixel(ends[0], ends[1], ends[2], ends[3]);
+  return RecordedLinePixels(ends);
 }
 
 void WriteLine(int separation, const Ground& g) {

@@ -192,7 +192,7 @@ PixelLine WriteFootprint(int set, double sx, double sy, double ux, double uy) {
   double ends[4];
   FootprintLine(sx, sy, ux, uy, ends);
   WriteSwathCorners('{', set, ends[0], ends[1], ends[2], ends[3]);
-  return WorldToPixel(ends[0], ends[1], ends[2], ends[3]);
+  return RecordedLinePixels(ends);
 }
 
 void DrawNewLine(const PixelLine& newLine, const PixelLine& oldLine) {
@@ -427,6 +427,11 @@ void DrawMapCursor(int x, int y) {
   const int h = MapWindow.CursorArmSize;
   MapDrawing.WindowLine(MAP_PEN_CURSOR, x - h, y, x + 1 + h, y);
   MapDrawing.WindowLine(MAP_PEN_CURSOR, x, y - h, x, y + 1 + h);
+}
+
+PixelLine RecordedLinePixels(const double ends[4]) {
+  return WorldToPixel(CornerAsRecorded(ends[0]), CornerAsRecorded(ends[1]), CornerAsRecorded(ends[2]),
+                      CornerAsRecorded(ends[3]));
 }
 
 void FootprintLine(double sx, double sy, double ux, double uy, double out[4]) {

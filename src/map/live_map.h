@@ -84,6 +84,9 @@ void DrawMapCursor(int x, int y);
 // The footprint at ground point (sx,sy) across unit direction (ux,uy): left
 // end first, in map units.
 void FootprintLine(double sx, double sy, double ux, double uy, double out[4]);
+// The pixels of a footprint line from its ends as the corner records hold
+// them, so that a replay of the file draws the line where the live map did.
+PixelLine RecordedLinePixels(const double ends[4]);
 
 // Drawing into the data layer, in canvas pixels.
 void DrawDotOnTiles(int col, int row, int lx, int ly, int pen, int brush);

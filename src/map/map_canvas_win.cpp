@@ -44,6 +44,10 @@ struct GdiMapRecord {
   long long PageBytes = 0;        // their bytes
   long long PackedBytes = 0;      // bytes of the packed pages
   uint64_t UseClock = 0;
+  // The pen left selected in the pages' context between lines: a repaint
+  // draws hundreds of thousands of lines, mostly in a few pens.
+  HPEN CanvasPen = nullptr;
+  HGDIOBJ CanvasFirstPen = nullptr;
 };
 
 GdiMapRecord GdiMap;
@@ -284,7 +288,16 @@ void GdiFillPageWhite(int side) {
 void GdiPageLine(int pen, int x1, int y1, int x2, int y2) {
   TakePendingPage();
   if (GdiMap.Selected == 0) return;
-  DrawLine(CanvasDc(), pen, x1, y1, x2, y2);
+  HPEN tool = PenOf(pen);
+  if (tool == nullptr) return;
+  HDC dc = CanvasDc();
+  if (tool != GdiMap.CanvasPen) {
+    HGDIOBJ before = SelectObject(dc, tool);
+    if (GdiMap.CanvasPen == nullptr) GdiMap.CanvasFirstPen = before;
+    GdiMap.CanvasPen = tool;
+  }
+  POINT points[2] = {{x1, y1}, {x2, y2}};
+  Polyline(dc, points, 2);
 }
 
 void GdiPageEllipse(int pen, int brush, int left, int top, int right, int bottom) {
@@ -382,6 +395,7 @@ void UseGdiMapSurface() {
 }
 
 void ReleaseGdiMapSurface() {
+  ReleaseMapCanvasPen();
   for (uint32_t id = 1; id <= GdiMap.Pages.size(); ++id) GdiDeletePage(id);
   GdiMap.Pages.clear();
   GdiMap.FreePages.clear();
@@ -395,6 +409,11 @@ void ReleaseGdiMapSurface() {
 }
 
 void UseMapWindowDc(HDC dc) { GdiMap.WindowDcOverride = dc; }
+
+void ReleaseMapCanvasPen() {
+  if (GdiMap.CanvasDc && GdiMap.CanvasPen) SelectObject(GdiMap.CanvasDc, GdiMap.CanvasFirstPen);
+  GdiMap.CanvasPen = nullptr;
+}
 
 HDC MapCanvasDc() {
   TakePendingPage();

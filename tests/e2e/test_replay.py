@@ -25,9 +25,9 @@ CURSOR_ARM = 6   # "Cursor Size" choice 3
 SECONDS = 240
 
 
-def start_sim(box, gps, instrument, log_path, extra):
+def start_sim(box, gps, instrument, log_path, extra, rate=10):
     argv = [os.path.join(harness.native_tools_dir(), "fieldsim", "fieldsim"), "--gps", gps, "--gps-option", "1",
-            "--rate", "10", "--log", log_path] + list(extra)
+            "--rate", str(rate), "--log", log_path] + list(extra)
     if instrument:
         argv += ["--instrument", instrument, "--model", "em31"]
     return box.spawn(argv, stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
@@ -212,46 +212,63 @@ def press(box, window, *keys):
     time.sleep(0.5)
 
 
+class Survey:
+    """A logged survey, paused, with the receiver standing still at its last
+    position: the program, its window, the data file and what it held."""
+    program = window = path = logged = profile_shot = None
+
+
+def logged_survey(box, checks, seconds, sample_interval="1.000000", gps_rate=10):
+    """Logs an EM31-MK2 walk with the colour image for `seconds`, pauses, and
+    puts a receiver that stands still without noise at the last logged
+    position, so that the map window stays where it is."""
+    survey = Survey()
+    walk.settings(box, PROGRAM, {"GpsDataOption": 1, "MapDisplayMode": 1, "SampleInterval": sample_interval,
+                                 "SurveyMode": 0, "DipoleMode": 0, "Component": 0, "PositionSize": 4,
+                                 "ScaleMin": "0.000000", "ScaleMax": "40.000000"})
+    gps = box.serial_pair(walk.GPS_COM)
+    instrument = box.serial_pair(walk.INSTRUMENT_COM)
+    log_path = os.path.join(box.prefix, "sent.log")
+    sim = start_sim(box, gps, instrument, log_path, ["--line-length", "25", "--speed", "1.5"], gps_rate)
+    survey.program, survey.window = session.start_program(box, PROGRAM)
+    if not checks.check(walk.open_logging(box, survey.window), "logging screen and a first fix"):
+        return None
+    if not walk.go(box, checks, PROGRAM, "REPLAY", sim, survey.program, survey.window, log_path):
+        return None
+    time.sleep(seconds)
+    # The instrument falls silent just before the pause: the live profile
+    # then ends with the last logged reading. The pause repaints the
+    # readouts, which may erase the profile: it is taken before.
+    walk.send(sim, "quiet instrument 900")
+    time.sleep(0.3)
+    survey.profile_shot = box.screenshot("replay-live-profile")
+    walk.pause(box, survey.window)
+    time.sleep(1)
+    folder = box.c_path("C:\\Survey")
+    survey.path = os.path.join(folder, [n for n in os.listdir(folder) if n.upper().startswith("REPLAY")][0])
+    survey.logged = open(survey.path, "rb").read()
+    fix = last_fix(gps_survey.records(survey.logged, 27))
+    if not checks.check(fix is not None, "the file holds the survey's positions"):
+        return None
+    walk.send(sim, "quit")
+    sim.wait(10)
+    stand = os.path.join(box.prefix, "stand.txt")
+    with open(stand, "w") as f:
+        f.write("%.8f %.8f\n%.8f %.8f\n" % (fix[0], fix[1], fix[0], fix[1]))
+    start_sim(box, gps, None, os.path.join(box.prefix, "stand.log"),
+              ["--path", stand, "--origin", "%.8f,%.8f" % fix, "--noise", "0"])
+    return survey
+
+
 def run(checks):
     with harness.Sandbox("replay") as box:
-        walk.settings(box, PROGRAM, {"GpsDataOption": 1, "MapDisplayMode": 1, "SampleInterval": "1.000000",
-                                     "SurveyMode": 0, "DipoleMode": 0, "Component": 0, "PositionSize": 4,
-                                     "ScaleMin": "0.000000", "ScaleMax": "40.000000"})
-        gps = box.serial_pair(walk.GPS_COM)
-        instrument = box.serial_pair(walk.INSTRUMENT_COM)
-        log_path = os.path.join(box.prefix, "sent.log")
-        sim = start_sim(box, gps, instrument, log_path, ["--line-length", "25", "--speed", "1.5"])
-        program, window = session.start_program(box, PROGRAM)
-        if not checks.check(walk.open_logging(box, window), "logging screen and a first fix"):
+        survey = logged_survey(box, checks, 28)
+        if survey is None:
             return
-        if not walk.go(box, checks, PROGRAM, "REPLAY", sim, program, window, log_path):
-            return
-        time.sleep(28)
-        # The instrument falls silent just before the pause: the live profile
-        # then ends with the last logged reading. The pause repaints the
-        # readouts, which erases the profile: it is taken before.
-        walk.send(sim, "quiet instrument 900")
-        time.sleep(0.3)
-        profile_shot = box.screenshot("replay-live-profile")
-        walk.pause(box, window)
-        time.sleep(1)
-        path = os.path.join(box.c_path("C:\\Survey"), [n for n in os.listdir(box.c_path("C:\\Survey"))
-                                                       if n.upper().startswith("REPLAY")][0])
-        logged = open(path, "rb").read()
-        recs = gps_survey.records(logged, 27)
-        fix = last_fix(recs)
-        readings, multi = logged_columns(recs)
-        harness.log("logged: %d records, %d readings, segments with several readings: %s" % (len(recs), readings, multi))
-        if not checks.check(fix is not None, "the file holds the survey's positions"):
-            return
-        # A receiver standing still at the last logged position, without noise.
-        walk.send(sim, "quit")
-        sim.wait(10)
-        stand = os.path.join(box.prefix, "stand.txt")
-        with open(stand, "w") as f:
-            f.write("%.8f %.8f\n%.8f %.8f\n" % (fix[0], fix[1], fix[0], fix[1]))
-        start_sim(box, gps, None, os.path.join(box.prefix, "stand.log"),
-                  ["--path", stand, "--origin", "%.8f,%.8f" % fix, "--noise", "0"])
+        program, window, path, logged = survey.program, survey.window, survey.path, survey.logged
+        profile_shot = survey.profile_shot
+        readings, multi = logged_columns(gps_survey.records(logged, 27))
+        harness.log("logged: %d bytes, %d readings, segments with several readings: %s" % (len(logged), readings, multi))
         screens = Screens(box)
         if not checks.check(screens.map and screens.curve, "map and profile windows found"):
             return

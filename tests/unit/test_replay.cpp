@@ -308,6 +308,24 @@ TEST(PositionsViewIsDrawnAgainExactlyAsLive) {
   }
 }
 
+// A corner of 10.4996 pixels is written as 1.050 units: the live map draws
+// the line at pixel 11, where the replay of its record puts it, not at 10.
+TEST(LiveLinesStandWhereTheirRecordsPutThem) {
+  Fresh(4);   // 10 pixels a unit
+  Capture.FileBytes = Header();
+  Session.SessionState = SESSION_LOGGING;
+  UpdateLiveMap(0, SESSION_LOGGING, 2.0, 0.5, 0.5);
+  UpdateLiveMap(0, SESSION_LOGGING, 2.0, 1.04996, 0.54996);
+  Session.SessionState = SESSION_STANDBY;
+  CHECK(Capture.FileBytes.find("{e         1.050") != std::string::npos);
+  const std::vector<std::string> live = DataDrawing();
+  CHECK_EQ(live.size(), 2u);
+  CHECK_EQ(LiveMap.PrevLine.X1, 11);
+  ClearDrawing();
+  ReplayMapOf(Capture.FileBytes);
+  CHECK_EQ(Joined(DataDrawing()), Joined(live));
+}
+
 TEST(PositionsViewDrawsEachLineOfTheFirstAndSecondSet) {
   Fresh();
   ReplayMapOf(Header() + Record("{0             0.000") + CornerSet(1, 0.0, 1.0, 0.0, -1.0) +
