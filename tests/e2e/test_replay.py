@@ -22,7 +22,7 @@ MAP_ID, CURVE_ID = 652, 600
 RADIO_CONDUCTIVITY, RADIO_INPHASE = 480, 481
 GREY_GRID, WHITE, BLACK = 0xC0C0C0, 0xFFFFFF, 0x000000
 CURSOR_ARM = 6   # "Cursor Size" choice 3
-SECONDS = 240
+SECONDS = 90
 
 
 def start_sim(box, gps, instrument, log_path, extra, rate=10):
