@@ -527,6 +527,127 @@ TEST(TheProgressMarkMovesEvery750Ms) {
   CHECK_EQ(CountCalls("wellipse"), 5);
 }
 
+// ---------------------------------------------------------------- repaints
+
+namespace {
+
+int Replays = 0;
+int BackgroundDraws = 0;
+void CountReplay() { ++Replays; }
+void CountBackground() { ++BackgroundDraws; }
+
+void FreshRepaints() {
+  Fresh(40, EM31MK2, 1);
+  EnsureTile(1000, 1000, 0);
+  Replays = BackgroundDraws = 0;
+  MapCallPoints.ReplayMap = CountReplay;
+  MapCallPoints.DrawBackgroundFiles = CountBackground;
+  MapCallPoints.BackgroundFilesLoaded = 1;
+  MapCanvas.LiveView = {1000, 1000, 3, 4};
+  MapCanvas.ReviewView = {1000, 1000, 7, 8};
+  MapCanvas.ReanchorPending = 0;
+  ForgetCalls();
+}
+
+// The grid pages painted since the calls were forgotten.
+int GridPaints() {
+  int lines = 0;
+  for (const MapCall& call : Capture.Calls) lines += call.Kind == "line" && call.Pen == MAP_PEN_GRID;
+  return lines;
+}
+
+}  // namespace
+
+TEST(RedrawMapOfTheDrawingReplaysAndShowsTheLiveView) {
+  FreshRepaints();
+  RedrawMap(REDRAW_DRAWING);
+  CHECK_EQ(Replays, 1);
+  CHECK_EQ(BackgroundDraws, 0);   // the grid and its background are kept
+  CHECK_EQ(GridPaints(), 0);
+  CHECK_EQ(CountCalls("text"), 1);   // "Please Wait"
+  std::vector<MapCall> blits = CallsOfKind("blit");
+  CHECK_EQ(blits.size(), 8u);
+  CHECK_EQ(blits[0].A, -3);
+  CHECK_EQ(MapCanvas.ReanchorPending, 0);
+}
+
+TEST(RedrawMapOfTheScaleReplaysEverythingAndPlacesTheWindowAgain) {
+  FreshRepaints();
+  RedrawMap(REDRAW_SCALE);
+  CHECK_EQ(Replays, 1);
+  CHECK_EQ(BackgroundDraws, 1);
+  CHECK(GridPaints() > 0);
+  CHECK_EQ(CountCalls("blit"), 0);   // the next position composes
+  CHECK_EQ(MapCanvas.ReanchorPending, 1);
+  // In review the review's view is shown at once.
+  FreshRepaints();
+  Session.ReviewActive = 1;
+  RedrawMap(REDRAW_SCALE);
+  std::vector<MapCall> blits = CallsOfKind("blit");
+  CHECK_EQ(blits.size(), 8u);
+  CHECK_EQ(blits[0].A, -7);
+  CHECK_EQ(MapCanvas.ReanchorPending, 0);
+}
+
+TEST(RedrawMapOfTheGridLeavesTheDrawing) {
+  FreshRepaints();
+  RedrawMap(REDRAW_GRID);
+  CHECK_EQ(Replays, 0);
+  CHECK_EQ(BackgroundDraws, 1);
+  CHECK(GridPaints() > 0);
+}
+
+TEST(ReviewChannelReplaysAtTheReviewView) {
+  FreshRepaints();
+  EnterMapReview();
+  ForgetCalls();
+  MapViewCommand(MAP_CHANNEL_FIRST + 1);
+  CHECK_EQ(Settings.MapDisplayMode, 2);
+  CHECK_EQ(Replays, 1);
+  CHECK_EQ(GridPaints(), 0);
+  std::vector<MapCall> blits = CallsOfKind("blit");
+  CHECK_EQ(blits.size(), 8u);
+  CHECK_EQ(blits[0].A, -3);   // the review's view: the live one copied on entry
+  // Leaving review puts the mode back and replays at the saved scale.
+  ExitMapReview();
+  CHECK_EQ(Settings.MapDisplayMode, 1);
+  CHECK_EQ(Replays, 2);
+  CHECK_EQ(MapCanvas.ReanchorPending, 1);
+  // Leaving the session in review only puts the values back.
+  EnterMapReview();
+  MapViewCommand(MAP_CHANNEL_FIRST + 1);
+  const int before = Replays;
+  LeaveMapReview();
+  CHECK_EQ(Session.ReviewActive, 0);
+  CHECK_EQ(Settings.MapDisplayMode, 1);
+  CHECK_EQ(Replays, before);
+}
+
+TEST(TheColourImageIsDrawnAgainOnlyWhenItsScaleChanged) {
+  SelectVariant(EM31MK2, 0);
+  ResetProgramState();
+  Settings.MapDisplayMode = 1;   // conductivity, scale 1
+  const ScaleRanges before = CurrentScaleRanges();
+  Settings.Scale2Max = 30.0;
+  CHECK_EQ(ColourImageScaleChanged(before, CurrentScaleRanges()), 0);
+  Settings.ScaleMax = 300.0;
+  CHECK_EQ(ColourImageScaleChanged(before, CurrentScaleRanges()), 1);
+  Settings.MapDisplayMode = 2;   // inphase, scale 2
+  CHECK_EQ(ColourImageScaleChanged(before, CurrentScaleRanges()), 1);
+  Settings.Scale2Max = before.Max2;
+  CHECK_EQ(ColourImageScaleChanged(before, CurrentScaleRanges()), 0);
+  Settings.MapDisplayMode = 0;
+  Settings.Scale2Max = 30.0;
+  CHECK_EQ(ColourImageScaleChanged(before, CurrentScaleRanges()), 0);
+  // One scale only: any change of it.
+  SelectVariant(EM61MK2, 0);
+  ResetProgramState();
+  Settings.MapDisplayMode = 3;
+  const ScaleRanges em61 = CurrentScaleRanges();
+  Settings.ScaleMin = -5.0;
+  CHECK_EQ(ColourImageScaleChanged(em61, CurrentScaleRanges()), 1);
+}
+
 // ---------------------------------------------------------------- bad files
 
 TEST(BadFilesNeverBreakThePass) {
