@@ -558,6 +558,13 @@ int GridPaints() {
 
 }  // namespace
 
+// The window shows the view whose first page stands at (-offX, ...): its
+// four pages' grid and data blitted.
+bool ShowsViewAt(int offX) {
+  std::vector<MapCall> blits = CallsOfKind("blit");
+  return blits.size() == 8u && blits[0].A == -offX;
+}
+
 TEST(RedrawMapOfTheDrawingReplaysAndShowsTheLiveView) {
   FreshRepaints();
   RedrawMap(REDRAW_DRAWING);
@@ -565,36 +572,28 @@ TEST(RedrawMapOfTheDrawingReplaysAndShowsTheLiveView) {
   CHECK_EQ(BackgroundDraws, 0);   // the grid and its background are kept
   CHECK_EQ(GridPaints(), 0);
   CHECK_EQ(CountCalls("text"), 1);   // "Please Wait"
-  std::vector<MapCall> blits = CallsOfKind("blit");
-  CHECK_EQ(blits.size(), 8u);
-  CHECK_EQ(blits[0].A, -3);
+  CHECK(ShowsViewAt(3));
   CHECK_EQ(MapCanvas.ReanchorPending, 0);
 }
 
 TEST(RedrawMapOfTheScaleReplaysEverythingAndPlacesTheWindowAgain) {
   FreshRepaints();
   RedrawMap(REDRAW_SCALE);
-  CHECK_EQ(Replays, 1);
-  CHECK_EQ(BackgroundDraws, 1);
-  CHECK(GridPaints() > 0);
+  CHECK(Replays == 1 && BackgroundDraws == 1 && GridPaints() > 0);
   CHECK_EQ(CountCalls("blit"), 0);   // the next position composes
   CHECK_EQ(MapCanvas.ReanchorPending, 1);
   // In review the review's view is shown at once.
   FreshRepaints();
   Session.ReviewActive = 1;
   RedrawMap(REDRAW_SCALE);
-  std::vector<MapCall> blits = CallsOfKind("blit");
-  CHECK_EQ(blits.size(), 8u);
-  CHECK_EQ(blits[0].A, -7);
+  CHECK(ShowsViewAt(7));
   CHECK_EQ(MapCanvas.ReanchorPending, 0);
 }
 
 TEST(RedrawMapOfTheGridLeavesTheDrawing) {
   FreshRepaints();
   RedrawMap(REDRAW_GRID);
-  CHECK_EQ(Replays, 0);
-  CHECK_EQ(BackgroundDraws, 1);
-  CHECK(GridPaints() > 0);
+  CHECK(Replays == 0 && BackgroundDraws == 1 && GridPaints() > 0);
 }
 
 TEST(ReviewChannelReplaysAtTheReviewView) {
@@ -605,9 +604,7 @@ TEST(ReviewChannelReplaysAtTheReviewView) {
   CHECK_EQ(Settings.MapDisplayMode, 2);
   CHECK_EQ(Replays, 1);
   CHECK_EQ(GridPaints(), 0);
-  std::vector<MapCall> blits = CallsOfKind("blit");
-  CHECK_EQ(blits.size(), 8u);
-  CHECK_EQ(blits[0].A, -3);   // the review's view: the live one copied on entry
+  CHECK(ShowsViewAt(3));   // the review's view: the live one copied on entry
   // Leaving review puts the mode back and replays at the saved scale.
   ExitMapReview();
   CHECK_EQ(Settings.MapDisplayMode, 1);
