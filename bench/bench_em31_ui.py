@@ -15,31 +15,11 @@ import time
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "e2e"))
 import em31_family_walk as walk  # noqa: E402
 import harness  # noqa: E402
+from soak_walk import pid_in_prefix, process_seconds  # noqa: E402
 import test_gps_survey as survey  # noqa: E402
 import test_session_start as session  # noqa: E402
 
 SECONDS = 60
-
-
-def process_seconds(pid):
-    try:
-        fields = open("/proc/%d/stat" % pid).read().rsplit(")", 1)[1].split()
-        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
-    except (OSError, IndexError, ValueError):
-        return 0.0
-
-
-def pid_in_prefix(pattern, prefix):
-    """The process matching `pattern` whose environment names this prefix
-    (other sandboxes may run the same program and their own wineserver)."""
-    for pid in subprocess.run(["pgrep", "-f", pattern], capture_output=True, text=True).stdout.split():
-        try:
-            env = open("/proc/%s/environ" % pid, "rb").read().split(b"\0")
-        except OSError:
-            continue
-        if ("WINEPREFIX=" + prefix).encode() in env:
-            return int(pid)
-    return None
 
 
 def measure_cpu(box, what, seconds=SECONDS):

@@ -39,8 +39,9 @@ def record_length(program):
     return 24 if program == "Lum31" else 27
 
 
-def sent_sentences(log_path):
-    """The sentences the simulator sent on the GPS line, in order."""
+def sent_sentences(log_path, with_times=False):
+    """The sentences the simulator sent on the GPS line, in order; with
+    `with_times` each as (sentence, wall-clock ms of its sending)."""
     out = []
     if not os.path.exists(log_path):
         return out
@@ -54,7 +55,8 @@ def sent_sentences(log_path):
             piece = piece.strip("\r")
             if piece.startswith("$"):
                 # The receiver keeps only bytes strictly between 35 and 127.
-                out.append("".join(c for c in piece if 35 < ord(c) < 127))
+                text = "".join(c for c in piece if 35 < ord(c) < 127)
+                out.append((text, float(parts[0])) if with_times else text)
     return out
 
 
