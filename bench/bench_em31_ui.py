@@ -8,7 +8,6 @@ from a frame leaving the simulator to its reading record in the data file
 Run after the windows and native builds:  python3 bench/bench_em31_ui.py [--em31-only]"""
 import os
 import statistics
-import subprocess
 import sys
 import time
 
