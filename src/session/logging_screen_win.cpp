@@ -120,8 +120,11 @@ LRESULT OnSize(HWND screen, UINT, WPARAM, LPARAM) {
 
 // A writer found the data file's disk full. The notice stands over the
 // screen while readings and positions go on being handled under it.
-LRESULT OnDataFileFull(HWND, UINT, WPARAM, LPARAM) {
-  if (DiskFullNoticeDue()) ShowMessage(Windows.Frame, L"MESSAGEOK", DISK_FULL_TITLE, DISK_FULL_TEXT);
+LRESULT OnDataFileFull(HWND screen, UINT, WPARAM, LPARAM) {
+  if (!DiskFullNoticeDue()) return 0;
+  ShowMessage(Windows.Frame, L"MESSAGEOK", DISK_FULL_TITLE, DISK_FULL_TEXT);
+  // The keyboard goes back to the screen, so that the next key pauses.
+  SetFocus(screen);
   return 0;
 }
 
