@@ -24,7 +24,8 @@ SANDBOXES = 4
 KILLS_EACH = 5          # 4 x 5 = 20 kills of the program
 POWER_CUTS_EACH = 1     # and 4 power cuts
 RECORD = 27
-# Tags of the records a Logging EM31-MK2 mapping session writes.
+# Tags of the records a Logging EM31-MK2 mapping session writes after the
+# header's first record, which starts with the signature "KLV31".
 KNOWN_TAGS = set("HGLBAZ*X@#!?\"{TC")
 
 
@@ -37,7 +38,7 @@ def whole_valid_records(data):
         r = data[i:i + RECORD]
         if r[-1:] != b"\n" or b"\n" in r[:-1]:
             return False, "record %d does not end in its line feed: %r" % (i // RECORD, r)
-        if chr(r[0]) not in KNOWN_TAGS:
+        if (i == 0 and r[0:5] != b"KLV31") or (i > 0 and chr(r[0]) not in KNOWN_TAGS):
             return False, "record %d has an unknown tag: %r" % (i // RECORD, r)
     return True, ""
 
