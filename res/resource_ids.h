@@ -1,6 +1,8 @@
 // Identifiers shared by the resource script and the program.
 #pragma once
 
+#include "../src/core/setup_dialog_ids.h"
+
 #define IDI_KELVO 108
 #define IDC_MESSAGE_TEXT 550
 

@@ -5,6 +5,7 @@
 #include "core/model_defaults.h"
 #include "core/platform_win.h"
 #include "core/program_win.h"
+#include "core/setup_forms_win.h"
 #include "core/settings.h"
 #include "core/startup_layout.h"
 #include "core/state.h"
@@ -143,7 +144,7 @@ void PressMainButton(HWND frame, int index) {
     case 5: OpenGpsMonitor(); break;
     case 8: ResetToDefault(frame); break;
     case 9: SendMessageW(frame, WM_CLOSE, 0, 0); break;
-    default: break;  // the setup dialogs and the GPS monitor open here
+    default: PressSetupButton(frame, index); break;
   }
 }
 

@@ -12,6 +12,7 @@
 
 struct SummaryRow;
 struct ModelStatusTexts;
+struct ChoiceList;
 struct ReadingOutcome;
 struct LinkPort;
 
@@ -153,9 +154,8 @@ struct ViewDescription {
   const char* MapTitles[4];
   const char* ReviewTitles[4];
   int TitleBySelection;
-  // Templates of "Sc&ale Readings" and "Pr&ofile Display Options".
+  // Template of "Sc&ale Readings" ("Pr&ofile Display Options" is the Setup row's profiles template).
   const wchar_t* ScaleDialog;
-  const wchar_t* DisplayDialog;
 };
 
 // Per-instrument defaults laid over the starting values before settings are read.
@@ -261,6 +261,26 @@ struct MainMenuDescription {
   int (*SummaryCells)(int row, SummaryRow& cells);
 };
 
+// The main menu's setup dialogs: their templates and the lists that differ
+// by instrument (a list the instrument lacks is nullptr; the template then has
+// no such field either).
+struct SetupDescription {
+  const wchar_t* SurveyTemplate;           // "&Survey Setup"
+  const wchar_t* SystemTemplate;           // "Sys&tem Setup"
+  const wchar_t* SystemNarrowTemplate;     // on screens under 640 pixels wide
+  const wchar_t* ButtonThreeTemplate;      // "G&eometry Setup", or the alarms with a target alarm
+  const wchar_t* ButtonThreeNarrowTemplate;  // on screens under 600 pixels wide
+  const wchar_t* ProfilesTemplate;         // "&Profiles Options"
+  const ChoiceList* SurveyModes;           // the mode list
+  const int* SurveyModeValues;             // the SurveyMode of each entry
+  const ChoiceList* Components;            // "Component:"
+  const ChoiceList* Dipoles;               // "Dipole Mode:" (EM34-3: dipole and separation)
+  const ChoiceList* ManualDipoles;         // in Manual the dipole field counts readings a station takes
+  const ChoiceList* Types;                 // the "Type" of System Setup
+  const ChoiceList* GeometryChoices;       // the sensor size, or the reference coil with CoilReference
+  const ChoiceList* MapViews;              // "Colour Map View" of the map display options
+};
+
 struct InstrumentDescription {
   int Model;                       // InstrumentModel
   const char* Name;                // "EM31-MK2"
@@ -272,6 +292,7 @@ struct InstrumentDescription {
   StoreDescription Store;
   DataFileDescription DataFile;
   MainMenuDescription MainMenu;
+  SetupDescription Setup;
 };
 
 constexpr int INSTRUMENT_COUNT = 7;

@@ -5,6 +5,7 @@
 
 #include "core/main_menu_summary.h"
 #include "core/numeric.h"
+#include "core/setup_lists.h"
 #include "core/state.h"
 #include "core/variant.h"
 #include "datafile/header_configuration.h"
@@ -121,7 +122,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {nullptr, nullptr, nullptr, nullptr},
                   .ReviewTitles = {"Review", "Review", "Review", "Review"},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE", .DisplayDialog = L"DISPLAYSETUP601"},
+                  .ScaleDialog = L"READINGSCALE"},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 1, .ProfileLineWidth = {2, 3, K, K, K, K, K, K},
                      .ProfileColor = {BLUE, GREEN, K, K, K, K, K, K}, .SensorCount = 1, .SwathBar = 0.5,
@@ -143,6 +144,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .HeaderConfiguration = GradiometerHeaderConfiguration},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_SENSORS, .DotRadius = 0.2, .Width = 0.0, .Length = 0.1, .PictureGeometry = GradiometerPicture,
                      .SummaryCells = GradiometerSummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP601", .SystemTemplate = L"SYSTEM601", .SystemNarrowTemplate = L"SYSTEMNARROW601",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY601", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY601", .ProfilesTemplate = L"DISPLAYSETUP601",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = nullptr, .Dipoles = nullptr,
+                  .ManualDipoles = nullptr, .Types = nullptr, .GeometryChoices = nullptr, .MapViews = &GradiometerViewNames},
     },
     {
         .Model = EM61LX2,
@@ -164,7 +169,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Ch E", "Ch L", "Ch F", nullptr},
                   .ReviewTitles = {"Review ChE", "Review ChL", "Review ChF", nullptr},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE", .DisplayDialog = L"DISPLAYSETUPLX2"},
+                  .ScaleDialog = L"READINGSCALE"},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 2, .NullingDone = 0, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 5, .ProfileLineWidth = {2, 3, 4, 2, 2, 3, 4, 1},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -187,6 +192,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .HeaderConfiguration = Lx2HeaderConfiguration},
         .MainMenu = {.GeometryButton = L"Alarms S&etup", .Picture = PICTURE_YELLOW_COILS, .DotRadius = 0.1, .Width = 1.0, .Length = 0.5, .PictureGeometry = Lx2Picture,
                      .SummaryCells = Lx2SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUPLX2", .SystemTemplate = L"SYSTEMLX2", .SystemNarrowTemplate = L"SYSTEMLX2V",
+                  .ButtonThreeTemplate = L"ALARMLX2", .ButtonThreeNarrowTemplate = L"ALARMLX2", .ProfilesTemplate = L"DISPLAYSETUPLX2",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = nullptr, .Dipoles = nullptr,
+                  .ManualDipoles = nullptr, .Types = &Lx2TypeNames, .GeometryChoices = nullptr, .MapViews = &Lx2ViewNames},
     },
     {
         .Model = EM61MK2,
@@ -209,7 +218,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Channel 1", "Channel 2", "Channel 3", "Channel 4/T"},
                   .ReviewTitles = {"Review Ch1", "Review Ch2", "Review Ch3", "Review Ch4/T"},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE", .DisplayDialog = L"DISPLAYSETUP"},
+                  .ScaleDialog = L"READINGSCALE"},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 3, .NullingDone = 0, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 5, .ProfileLineWidth = {2, 3, 4, 2, 2, 3, 4, 1},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -231,6 +240,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .HeaderConfiguration = Em61Mk2HeaderConfiguration},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_RED_COIL, .DotRadius = 0.1, .Width = 1.0, .Length = 0.5, .PictureGeometry = Em61Mk2Picture,
                      .SummaryCells = Em61Mk2SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRYNARROW", .ProfilesTemplate = L"DISPLAYSETUP",
+                  .SurveyModes = &Em61Mk2Modes, .SurveyModeValues = Em61Mk2ModeValues, .Components = nullptr, .Dipoles = nullptr,
+                  .ManualDipoles = nullptr, .Types = &Em61Mk2TypeNames, .GeometryChoices = &SensorSizeNames, .MapViews = &Em61Mk2ViewNames},
     },
     {
         .Model = EM31MK2,
@@ -252,7 +265,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Conductivity", "Inphase", nullptr, nullptr},
                   .ReviewTitles = {"Review Conductivity", "Review Inphase", nullptr, nullptr},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE31", .DisplayDialog = L"DISPLAYSETUP31"},
+                  .ScaleDialog = L"READINGSCALE31"},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
                      .MapSwathIndex = 2, .ProfileLineWidth = {3, 2, 3, 2, 2, 2, 2, 2},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -274,6 +287,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .HeaderConfiguration = CoilLengthHeaderConfiguration},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BOOM, .DotRadius = 0.18, .Width = 0.16, .Length = 3.6, .PictureGeometry = Em31Picture,
                      .SummaryCells = Em31SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP31", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY31", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY31", .ProfilesTemplate = L"DISPLAYSETUP31",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = &Em31ComponentNames, .Dipoles = &DipoleModeNames,
+                  .ManualDipoles = nullptr, .Types = &CoilLengthTypeNames, .GeometryChoices = nullptr, .MapViews = &Em31ViewNames},
     },
     {
         .Model = EM38,
@@ -295,7 +312,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Conductivity VDM", "Conductivity HDM", "Inphase VDM", "Inphase HDM"},
                   .ReviewTitles = {"Review Conductivity", "Review Conductivity", "Review Inphase", "Review Inphase"},
                   .TitleBySelection = 1,
-                  .ScaleDialog = L"READINGSCALE31", .DisplayDialog = L"DISPLAYSETUP31"},
+                  .ScaleDialog = L"READINGSCALE31"},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
                      .MapSwathIndex = 1, .ProfileLineWidth = {3, 2, 3, 2, 2, 2, 2, 2},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -317,6 +334,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .NavigationDefaultExtension = "H38", .HeaderConfiguration = CoilLengthHeaderConfiguration},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BAR, .DotRadius = 0.1, .Width = 0.05, .Length = 1.0, .PictureGeometry = nullptr,
                      .SummaryCells = Em38SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP38", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY38", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY38", .ProfilesTemplate = L"DISPLAYSETUP31",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = &Em38ComponentNames, .Dipoles = &DipoleModeNames,
+                  .ManualDipoles = nullptr, .Types = nullptr, .GeometryChoices = nullptr, .MapViews = &Em38ViewNames},
     },
     {
         .Model = EM343,
@@ -338,7 +359,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {nullptr, nullptr, nullptr, nullptr},
                   .ReviewTitles = {nullptr, nullptr, nullptr, nullptr},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE34", .DisplayDialog = L"DISPLAYSETUP34"},
+                  .ScaleDialog = L"READINGSCALE34"},
         .Defaults = {.DisplayCurveCount = 6, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 2, .ProfileLineWidth = {3, 3, 3, 2, 2, 2, K, K},
                      .ProfileColor = {BLUE, GREEN, RED, CYAN, ORANGE, MAGENTA, K, K}, .SensorCount = K,
@@ -360,6 +381,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .HeaderConfiguration = CoilReferenceHeaderConfiguration},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_END_COILS, .DotRadius = 0.6, .Width = 1.2, .Length = 10.0, .PictureGeometry = Em343Picture,
                      .SummaryCells = Em343SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP34", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY34", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY34", .ProfilesTemplate = L"DISPLAYSETUP34",
+                  .SurveyModes = &Em343Modes, .SurveyModeValues = Em343ModeValues, .Components = nullptr, .Dipoles = &Em343SeparationNames,
+                  .ManualDipoles = &Em343ReadingCountNames, .Types = nullptr, .GeometryChoices = &CoilReferenceNames, .MapViews = nullptr},
     },
     {
         .Model = EM38MK2,
@@ -381,7 +406,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Conductivity 1 m", "Inphase 1 m", "Conductivity 0.5 m", "Inphase 0.5 m"},
                   .ReviewTitles = {"Review Conductivity 1 m", "Review Inphase 1 m", "Review Conductivity 0.5 m", "Review Inphase 0.5 m"},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE31", .DisplayDialog = L"DISPLAYSETUP38MK2"},
+                  .ScaleDialog = L"READINGSCALE31"},
         .Defaults = {.DisplayCurveCount = 8, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
                      .MapSwathIndex = 1, .ProfileLineWidth = {3, 3, 3, 3, 2, 2, 2, 2},
                      .ProfileColor = {BLUE, GREEN, RED, ORANGE, BLUE, GREEN, RED, ORANGE}, .SensorCount = K,
@@ -403,6 +428,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .HeaderConfiguration = Em38Mk2HeaderConfiguration},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BAR_MK2, .DotRadius = 0.1, .Width = 0.04, .Length = 1.0, .PictureGeometry = nullptr,
                      .SummaryCells = Em38Mk2SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP38MK2", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY38", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY38", .ProfilesTemplate = L"DISPLAYSETUP38MK2",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = nullptr, .Dipoles = &DipoleModeNames,
+                  .ManualDipoles = nullptr, .Types = &Em38Mk2TypeNames, .GeometryChoices = nullptr, .MapViews = &Em38Mk2ViewNames},
     },
 };
 

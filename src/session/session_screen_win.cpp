@@ -8,6 +8,7 @@
 
 #include "core/platform_win.h"
 #include "core/program_win.h"
+#include "core/setup_forms_win.h"
 #include "core/state.h"
 #include "instruments/instrument.h"
 #include "core/settings.h"
@@ -112,10 +113,24 @@ void LeaveToMainMenu() {
   SetFocus(Windows.Frame);
 }
 
+// Handlers of readings and positions stay idle while a modal box is up, so
+// that nothing draws under it.
+template <typename Run> auto Modal(Run run) {
+  const int was = Session.ProcessingEnabled;
+  Session.ProcessingEnabled = 0;
+  auto result = run();
+  Session.ProcessingEnabled = was;
+  return result;
+}
+
+INT_PTR Ask(const wchar_t* templateName, const wchar_t* title, const wchar_t* text) {
+  return Modal([&] { return ShowMessage(Windows.ScreenLog, templateName, title, text); });
+}
+
 void Inform(const wchar_t* title, const char* text) {
   wchar_t wide[256];
   WidenText(text, wide, 256);
-  ShowMessage(Windows.ScreenLog, L"MESSAGEOK", title, wide);
+  Ask(L"MESSAGEOK", title, wide);
 }
 
 void Warn(const char* first, const char* second, const char* third) {
@@ -128,22 +143,13 @@ void Ring(const wchar_t* sound) {
   PlaySoundW(sound, Windows.Instance, SND_RESOURCE | SND_ASYNC | SND_NOSTOP);
 }
 
-bool NeedsInstrument() {
-  if (Settings.InstrumentEnabled != 0) return true;
-  Inform(L"INFORMATION", "Option avaiable only when Instrument is enabled");
-  return false;
-}
-
-bool NeedsGpsAndMap() {
-  if (Settings.GpsInput == 0) {
-    Inform(L"INFORMATION", "Option avaiable only when GPS is enabled");
-    return false;
-  }
-  if (!Session.MapVisible) {
-    Inform(L"INFORMATION", "Option avaiable only when map is visible");
-    return false;
-  }
-  return true;
+// What the command needs before it runs; each refusal is told.
+bool CommandMayRun(int code) {
+  const CommandGateContext context{Settings.InstrumentEnabled, Settings.GpsInput, Session.MapVisible,
+                                   DataFileState.DataFile != NO_HANDLE ? 1 : 0};
+  const CommandGateOutcome gate = GateCommand(code, context);
+  for (int i = 0; i < gate.MessageCount; ++i) Inform(L"INFORMATION", gate.Messages[i]);
+  return gate.Run != 0;
 }
 
 void EnableReviewRow(int enabled) {
@@ -180,8 +186,9 @@ void FileCommand() {
     Inform(L"INFORMATION", text);
   }
   if (DataFileState.DataFile != NO_HANDLE) {
-    EnableReviewRow(1);
+    // Stand By first: the review row follows the state it is enabled in.
     TakeDataFile();
+    EnableReviewRow(1);
     ShowStandBySet();
     ShowStatusText(0);
     ShowStatusText(2);
@@ -245,6 +252,8 @@ void ChannelCommand(int code) {
   SetFocus(Windows.ScreenLog);
 }
 
+void ReviewCommand(int enter);
+
 // "&Go": recording starts.
 void GoCommand() {
   if (Session.MapTooSmall == 2) {
@@ -252,6 +261,8 @@ void GoCommand() {
     Warn("Cannot start logging.", "Please increase the map size", "by 20-25%.");
     return;
   }
+  // F2 works in review too: the live map comes back before recording starts.
+  if (Session.ReviewActive) ReviewCommand(0);
   Session.ProcessingEnabled = 0;
   EnableReviewRow(0);
   ShowSet(LoggingWindows.StandBySet, 0);
@@ -290,15 +301,14 @@ void QuickLineCommand() {
   QuickLineName(next, sizeof next);
   wchar_t wide[64];
   WidenText(next, wide, 64);
-  if (ShowMessage(Windows.ScreenLog, L"MESSAGEYESNO", L"Quick Line", wide) != 1) return;
+  if (Ask(L"MESSAGEYESNO", L"Quick Line", wide) != 1) return;
   TakeQuickLine(next);
   LoadSettings(SETTINGS_SAVE);
   RepaintLoggingScreen();
 }
 
 void NewLineCommand() {
-  if (!NeedsInstrument()) return;
-  if (RunNewLineDialog(Windows.ScreenLog) != 1) return;
+  if (Modal([] { return RunNewLineDialog(Windows.ScreenLog); }) != 1) return;
   WriteLineHeader();
   WriteTimeRecord();
   Session.LineCount += 1;
@@ -309,14 +319,30 @@ void NewLineCommand() {
 }
 
 void NewStationCommand() {
-  if (!NeedsInstrument()) return;
-  RunNewStationDialog(Windows.ScreenLog);
+  Modal([] { return RunNewStationDialog(Windows.ScreenLog); });
   RepaintLoggingScreen();
 }
 
 void CommentCommand() {
-  if (DataFileState.DataFile == NO_HANDLE) return;
-  RunCommentDialog(Windows.ScreenLog);
+  Modal([] { return RunCommentDialog(Windows.ScreenLog); });
+}
+
+// "Map &Size" and "Map Displa&y Options": after OK the map is repainted as
+// far as the change needs, and the screen shows the new size and view.
+void MapDialogCommand(int code) {
+  const int done = Modal([code] {
+    return code == CMD_MAP_SIZE ? RunMapSizeDialog(Windows.ScreenLog) : RunDisplayOptionsDialog(Windows.ScreenLog, 1);
+  });
+  if (done != 1) return;
+  ShowChannelButtons(Session.SessionState != SESSION_LOGGING);
+  RepaintLoggingScreen();
+}
+
+void GpsMaskCommand() { Modal([] { return RunGpsMaskDialog(Windows.ScreenLog); }); }
+
+// The coordinates' labels and values follow the units at the next paint.
+void CoordinateUnitsCommand() {
+  if (Modal([] { return RunCoordinateUnitsDialog(Windows.ScreenLog); }) == 1) RepaintLoggingScreen();
 }
 
 void MenuCommand() {
@@ -331,10 +357,9 @@ void MenuCommand() {
   SessionMenu.Popup = nullptr;
 }
 
+// The canvas is not touched: the pages keep their side, the updaters draw
+// into them while the map is hidden, and the next position composes the view.
 void ToggleViewCommand() {
-  if (Settings.InstrumentEnabled == 0) Inform(L"INFORMATION", "Option avaiable only when Instrument is enabled");
-  if (Settings.GpsInput == 0) Inform(L"INFORMATION", "Option avaiable only when GPS is enabled");
-  if (Settings.InstrumentEnabled == 0 || Settings.GpsInput == 0) return;
   Session.MapVisible = !Session.MapVisible;
   ArrangeLoggingScreenWindows();
   ShareScreenPlaces();
@@ -342,11 +367,7 @@ void ToggleViewCommand() {
   RecomputeScaleFactors();
   RepaintLoggingScreen();
   if (Session.MapVisible) {
-    RedrawTiles(2);
     ShowPleaseWait();
-    if (MapCallPoints.DrawBackgroundFiles) MapCallPoints.DrawBackgroundFiles();
-    if (MapCallPoints.ReplayMap) MapCallPoints.ReplayMap();
-    MapCanvas.ReanchorPending = 1;
     EnableReviewRow(1);
     ShowChannelButtons(1);
   } else {
@@ -386,6 +407,7 @@ void ReviewCommand(int enter) {
 }
 
 void RunCommand(int code) {
+  if (!CommandMayRun(code)) return;
   const int state = Session.SessionState;
   switch (code) {
     case CMD_FILE_GO_PAUSE:
@@ -394,7 +416,6 @@ void RunCommand(int code) {
       else if (state == SESSION_LOGGING) PauseCommand();
       break;
     case CMD_NULL_MAPSIZE_QLINE:
-      if (!NeedsInstrument()) break;
       if (state == SESSION_STANDBY) QuickLineCommand();
       else if (state == SESSION_MONITORING)
         RunCommand(Instrument().Commands.Nulling ? CMD_NULLING : CMD_MAP_SIZE);
@@ -405,16 +426,15 @@ void RunCommand(int code) {
     case CMD_NEW_STATION: NewStationCommand(); break;
     case CMD_COMMENT: CommentCommand(); break;
     case CMD_NULLING:
-      NeedsInstrument();
-      break;
+      break;  // the nulling itself comes with the EM61 readings
     case CMD_HIDE_MENU:
       RepaintLoggingScreen();
       break;
     case CMD_TOGGLE_VIEW: ToggleViewCommand(); break;
     case CMD_MAP_SIZE:
-    case CMD_MAP_DISPLAY_OPTIONS:
-      NeedsGpsAndMap();
-      break;
+    case CMD_MAP_DISPLAY_OPTIONS: MapDialogCommand(code); break;
+    case CMD_GPS_WARNING_MASK: GpsMaskCommand(); break;
+    case CMD_COORDINATE_UNITS: CoordinateUnitsCommand(); break;
     case CMD_PAN_LEFT: case CMD_PAN_RIGHT: case CMD_PAN_UP: case CMD_PAN_DOWN:
     case CMD_ZOOM_IN: case CMD_ZOOM_OUT: case CMD_FIT_ALL:
       MapViewCommandOfScreen(code);

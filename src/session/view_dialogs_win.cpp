@@ -241,7 +241,7 @@ int RunScaleReadingsDialog(HWND owner) {
 
 int RunDisplaySetupDialog(HWND owner) {
   const INT_PTR result =
-      DialogBoxParamW(Windows.Instance, Instrument().Views.DisplayDialog, owner, DisplayDialogProc, 0);
+      DialogBoxParamW(Windows.Instance, Instrument().Setup.ProfilesTemplate, owner, DisplayDialogProc, 0);
   ReturnFocus(owner);
   return result == 1 ? 1 : 0;
 }

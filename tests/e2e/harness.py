@@ -2,8 +2,9 @@
 
 A `Sandbox` owns everything one test needs and stops all of it on close:
   - its own Wine prefix, copied from the booted template (system files
-    hard-linked, registry and the rest copied), so tests never share state;
-  - its own Xvfb display at a chosen screen size;
+    hard-linked, registry and the rest copied), so tests never share state,
+    with its own wineserver kept from start to close;
+  - its own Xvfb display at a chosen screen size, numbered by Xvfb itself;
   - virtual serial ports: socat pty pairs, one end linked as comN in the
     prefix's dosdevices, the other end given to the field simulator;
   - programs started with `start()`, their windows found by title, keys
@@ -17,6 +18,11 @@ KELVO_NATIVE_TOOLS (native build's tools folder, for the field simulator).
 Tests that cannot run here exit with SKIP_CODE (77), which ctest reports as
 skipped.
 
+Tests run side by side (ctest -j): nothing a Sandbox makes is shared with
+another test. A long test names its parts in a module-level PARTS and
+runs the parts named on its command line (`parts_to_run`); ctest runs each
+part as a test of its own (tests/list_parts.py).
+
 Usage:
     with Sandbox("startup", screen=(1280, 800)) as box:
         program = box.start("Kelvo31")
@@ -24,11 +30,13 @@ Usage:
         box.key(window, "x")
         assert program.wait(20) == 0
 """
+import itertools
 import os
 import shutil
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 
 SKIP_CODE = 77
@@ -41,6 +49,10 @@ import variants  # noqa: E402  (the one variant list)
 VARIANTS = [  # name, settings folder, InstrumentModel, ProductMode
     (v["name"], v["folder"], v["model"], v["product"]) for v in variants.VARIANTS]
 PROGRAM_NAMES = [v[0] for v in VARIANTS]
+
+
+# Sandboxes of one test process, numbered so that their prefixes never meet.
+_SANDBOX_NUMBERS = itertools.count(1)
 
 
 def log(*parts):
@@ -78,6 +90,16 @@ def artefact_dir():
     path = os.path.join(work_dir(), "artefacts")
     os.makedirs(path, exist_ok=True)
     return path
+
+
+def parts_to_run(parts):
+    """The parts of a test named on its command line (ctest runs each part as
+    a test of its own), or every part when none is named."""
+    asked = sys.argv[1:] or list(parts)
+    unknown = [part for part in asked if part not in parts]
+    if unknown:
+        raise SystemExit("unknown part %s; the parts are %s" % (", ".join(unknown), ", ".join(parts)))
+    return asked
 
 
 def template_prefix():
@@ -139,7 +161,7 @@ class Sandbox:
         self.name = name
         self.screen = screen
         self.keep_prefix = keep_prefix
-        self.prefix = os.path.join(work_dir(), "run", "%s-%d" % (name, os.getpid()))
+        self.prefix = os.path.join(work_dir(), "run", "%s-%d-%d" % (name, os.getpid(), next(_SANDBOX_NUMBERS)))
         os.makedirs(os.path.dirname(self.prefix), exist_ok=True)
         copy_prefix(template_prefix(), self.prefix)
         self.processes = []
@@ -148,6 +170,7 @@ class Sandbox:
         self.display = None
         self.xvfb = None
         self._start_display()
+        self._start_wineserver()
 
     # ------------------------------------------------------------ set-up
     def _start_display(self):
@@ -170,6 +193,13 @@ class Sandbox:
         if not number.strip():
             raise RuntimeError("Xvfb did not start")
         self.display = ":" + number.decode().strip()
+
+    def _start_wineserver(self):
+        """The prefix's wineserver and system processes, up from the start
+        and kept until `close` (serve_prefix.sh says why)."""
+        subprocess.run(["bash", os.path.join(HERE, "serve_prefix.sh"), self.prefix], env=self.env(),
+                       timeout=120, check=True,
+                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def env(self):
         env = dict(os.environ)
@@ -209,17 +239,42 @@ class Sandbox:
         subprocess.run(["wineserver", "-w"], env=self.env(), capture_output=True, timeout=timeout)
         return result.returncode
 
+    def pids(self, program):
+        """Process ids of a program running in this sandbox's prefix; other
+        tests and other users run programs of the same name at the same time."""
+        exe = (program + ".exe").encode()
+        own = ("WINEPREFIX=" + self.prefix).encode()
+        found = []
+        for entry in os.listdir("/proc"):
+            if not entry.isdigit():
+                continue
+            try:
+                with open("/proc/%s/cmdline" % entry, "rb") as f:
+                    if exe not in f.read():
+                        continue
+                with open("/proc/%s/environ" % entry, "rb") as f:
+                    if own not in f.read().split(b"\0"):
+                        continue
+            except OSError:
+                continue
+            found.append(int(entry))
+        return found
+
     def run_tool(self, tool, args=(), timeout=60):
-        """Runs a Windows console tool inside the prefix and returns its output."""
+        """Runs a Windows console tool inside the prefix and returns its output.
+        The output comes through a file: a Wine process that the tool starts
+        would hold a pipe open after the tool has ended."""
         exe = os.path.join(tools_dir(), tool + ".exe")
-        result = subprocess.run(["wine", exe] + list(args), env=self.env(), capture_output=True,
-                                timeout=timeout, start_new_session=True)
-        return result.stdout.decode("utf-8", "replace")
+        with tempfile.TemporaryFile() as out:
+            subprocess.run(["wine", exe] + list(args), env=self.env(), stdin=subprocess.DEVNULL,
+                           stdout=out, stderr=subprocess.DEVNULL, timeout=timeout, start_new_session=True)
+            out.seek(0)
+            return out.read().decode("utf-8", "replace")
 
     def windows(self):
         """Windows and child controls of the prefix's programs, as dicts."""
         rows = []
-        for line in self.run_tool("list_windows").splitlines():
+        for line in self._window_list().splitlines():
             parts = line.split("\t")
             if len(parts) < 8:
                 continue
@@ -229,6 +284,17 @@ class Sandbox:
                          "enabled": parts[5] == "1", "rect": (l, t, r, b),
                          "text": "\t".join(parts[7:])})
         return rows
+
+    def _window_list(self, tries=3):
+        """The list tool's output. Rarely, with many sandboxes at work, a Wine
+        process stalls and never ends: it is stopped and the list asked for
+        again."""
+        for attempt in range(tries):
+            try:
+                return self.run_tool("list_windows", timeout=20)
+            except subprocess.TimeoutExpired:
+                log("     (list_windows stalled, attempt %d)" % (attempt + 1))
+        raise RuntimeError("list_windows stalled %d times" % tries)
 
     def wait_window(self, title, timeout=60):
         """X window id of the first window with exactly this title."""
@@ -388,6 +454,9 @@ class Sandbox:
         for program in self.programs:
             program.stop()
         subprocess.run(["wineserver", "-k"], env=self.env(), capture_output=True, timeout=30)
+        # The server is known by the prefix folder's inode, which the next new
+        # folder may get: the folder goes only once its server has ended.
+        subprocess.run(["wineserver", "-w"], env=self.env(), capture_output=True, timeout=30)
         for process in self.processes:
             if process.poll() is None:
                 try:

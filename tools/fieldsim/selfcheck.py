@@ -8,7 +8,8 @@ the fields where the logger looks for each value, time steps, frame shapes,
 status bits and frame periods. Then it plays every control command and the loss
 and return of a port. Exits 0 when all checks pass, 1 otherwise.
 
-Usage: selfcheck.py [path/to/fieldsim]   (needs socat on the PATH)
+Usage: selfcheck.py [path/to/fieldsim [part ...]]   (needs socat on the PATH;
+       the parts are those of PARTS below, all when none is named)
 """
 
 import math
@@ -599,33 +600,57 @@ def run_command_line(binary):
     check(wrong.returncode == 2 and wrong.stderr, "an option out of range is refused")
 
 
+def gps_options(binary, directory):
+    for option in range(9):
+        run_gps_option(binary, directory, option)
+
+
+def gps_variants(binary, directory):
+    run_gps_option(binary, directory, 7, slam=True)
+    run_gps_option(binary, directory, 7, feet=True)
+    run_gps_option(binary, directory, 0, mixed=True, rate=5)
+    run_gps_option(binary, directory, 3, mixed=True, rate=1, seconds=3.0)
+    run_gps_option(binary, directory, 4, mixed=True, rate=5)
+    run_gps_option(binary, directory, 8, mixed=True, rate=20)
+
+
+def instruments(binary, directory):
+    run_instrument(binary, directory, "em31")
+    run_instrument(binary, directory, "em31", ["--dipole", "h", "--range", "0"], dipole="H")
+    run_instrument(binary, directory, "em34")
+    run_instrument(binary, directory, "em34", ["--dipole", "h", "--separation", "10"], dipole="H", separation=10)
+    run_instrument(binary, directory, "em34", ["--separation", "40"], separation=40)
+    run_instrument(binary, directory, "em38-7")
+    run_instrument(binary, directory, "em38-12", ["--range", "3"])
+    run_instrument_changes(binary, directory)
+
+
+def faults(binary, directory):
+    run_command_line(binary)
+    run_gps_faults(binary, directory)
+    run_instrument_faults(binary, directory)
+    run_port_loss(binary, directory)
+
+
+# The checks mostly wait on real time: ctest runs each part as a test of its
+# own, side by side with the others (tests/list_parts.py lists them).
+PARTS = {"gps-options": gps_options, "gps-variants": gps_variants, "instruments": instruments, "faults": faults}
+SECONDS = {"gps-options": 25, "gps-variants": 20, "instruments": 20, "faults": 15}
+
+
 def main():
     if shutil.which("socat") is None:
         print("selfcheck: socat is missing")
         return 1
     binary = find_fieldsim()
+    parts = sys.argv[2:] or list(PARTS)
+    unknown = [part for part in parts if part not in PARTS]
+    if unknown:
+        sys.exit("selfcheck: unknown part %s; the parts are %s" % (", ".join(unknown), ", ".join(PARTS)))
     signal.signal(signal.SIGPIPE, signal.SIG_DFL)
     with tempfile.TemporaryDirectory(prefix="fieldsim-check-") as directory:
-        run_command_line(binary)
-        for option in range(9):
-            run_gps_option(binary, directory, option)
-        run_gps_option(binary, directory, 7, slam=True)
-        run_gps_option(binary, directory, 7, feet=True)
-        run_gps_option(binary, directory, 0, mixed=True, rate=5)
-        run_gps_option(binary, directory, 3, mixed=True, rate=1, seconds=3.0)
-        run_gps_option(binary, directory, 4, mixed=True, rate=5)
-        run_gps_option(binary, directory, 8, mixed=True, rate=20)
-        run_instrument(binary, directory, "em31")
-        run_instrument(binary, directory, "em31", ["--dipole", "h", "--range", "0"], dipole="H")
-        run_instrument(binary, directory, "em34")
-        run_instrument(binary, directory, "em34", ["--dipole", "h", "--separation", "10"], dipole="H", separation=10)
-        run_instrument(binary, directory, "em34", ["--separation", "40"], separation=40)
-        run_instrument(binary, directory, "em38-7")
-        run_instrument(binary, directory, "em38-12", ["--range", "3"])
-        run_gps_faults(binary, directory)
-        run_instrument_faults(binary, directory)
-        run_instrument_changes(binary, directory)
-        run_port_loss(binary, directory)
+        for part in parts:
+            PARTS[part](binary, directory)
     print("selfcheck: %s" % ("all passed" if not FAILURES else "%d failures" % len(FAILURES)))
     return 0 if not FAILURES else 1
 
