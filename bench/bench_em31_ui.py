@@ -14,7 +14,7 @@ import time
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "e2e"))
 import em31_family_walk as walk  # noqa: E402
 import harness  # noqa: E402
-from soak_walk import pid_in_prefix, process_seconds  # noqa: E402
+from soak_walk import process_seconds  # noqa: E402
 import test_gps_survey as survey  # noqa: E402
 import test_session_start as session  # noqa: E402
 
@@ -22,7 +22,8 @@ SECONDS = 60
 
 
 def measure_cpu(box, what, seconds=SECONDS):
-    prog, server = pid_in_prefix("Kelvo31.exe", box.prefix), pid_in_prefix("wineserver", box.prefix)
+    prog = (box.pids("Kelvo31") or [None])[0]
+    server = (box.pids("wineserver", suffix="") or [None])[0]
     p0 = process_seconds(prog) if prog else 0.0
     s0 = process_seconds(server) if server else 0.0
     start = time.time()

@@ -239,10 +239,12 @@ class Sandbox:
         subprocess.run(["wineserver", "-w"], env=self.env(), capture_output=True, timeout=timeout)
         return result.returncode
 
-    def pids(self, program):
+    def pids(self, program, suffix=".exe"):
         """Process ids of a program running in this sandbox's prefix; other
-        tests and other users run programs of the same name at the same time."""
-        exe = (program + ".exe").encode()
+        tests and other users run programs of the same name at the same time.
+        With suffix "" any process whose command line holds `program`:
+        "wineserver", or "" for every process of the prefix."""
+        exe = (program + suffix).encode()
         own = ("WINEPREFIX=" + self.prefix).encode()
         found = []
         for entry in os.listdir("/proc"):

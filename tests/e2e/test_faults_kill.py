@@ -6,12 +6,11 @@ field simulator on both ports, makes a new file, logs, pauses and logs
 again until the kill. After each pause the file on disk ends in the
 "PAUSED" record with everything before it; after each kill the file is whole
 valid records (the record length, the line feed last, known tags) and still
-holds, unchanged, all that was there at the pause. Four sandboxes run their
-rounds side by side."""
+holds, unchanged, all that was there at the pause. The four parts, a
+sandbox of six rounds each, run side by side."""
 import os
 import random
 import signal
-import threading
 import time
 
 import em31_family_walk as walk
@@ -20,9 +19,11 @@ import test_gps_survey as gps_survey
 import test_session_start as session
 
 PROGRAM = "Kelvo31"
-SANDBOXES = 4
-KILLS_EACH = 5          # 4 x 5 = 20 kills of the program
+KILLS_EACH = 5          # 4 parts x 5 = 20 kills of the program
 POWER_CUTS_EACH = 1     # and 4 power cuts
+# Each part is a ctest test of its own: one sandbox and its rounds.
+PARTS = ["kills-1", "kills-2", "kills-3", "kills-4"]
+SECONDS = 60
 RECORD = 27
 # Tags of the records a Logging EM31-MK2 mapping session writes after the
 # header's first record, which starts with the signature "KLV31".
@@ -43,24 +44,9 @@ def whole_valid_records(data):
     return True, ""
 
 
-def prefix_processes(prefix):
-    """Every process of this Wine prefix: the programs, services and wineserver."""
-    pids = []
-    for pid in os.listdir("/proc"):
-        if not pid.isdigit():
-            continue
-        try:
-            env = open("/proc/%s/environ" % pid, "rb").read().split(b"\0")
-        except OSError:
-            continue
-        if ("WINEPREFIX=" + prefix).encode() in env:
-            pids.append(int(pid))
-    return pids
-
-
 def power_cut(box):
     """kill -9 of wineserver and of every process of the prefix, at once."""
-    pids = prefix_processes(box.prefix)
+    pids = box.pids("", suffix="")
     for pid in pids:
         try:
             os.kill(pid, signal.SIGKILL)
@@ -117,37 +103,29 @@ def one_round(box, sim, results, label, stem, cut, rng):
 
 def sandbox_rounds(index, results):
     rng = random.Random(1000 + index)
-    try:
-        with harness.Sandbox("faults-kill-%d" % index) as box:
-            walk.settings(box, PROGRAM, {"GpsDataOption": 1, "SampleInterval": "0.100000", "SurveyMode": 0,
-                                         "MapDisplayMode": 1})
-            os.makedirs(box.c_path("C:\\Survey"), exist_ok=True)
-            sim = walk.start_sim(box, "em31", os.path.join(box.prefix, "sent.log"))
-            rounds = [False] * KILLS_EACH + [True] * POWER_CUTS_EACH
-            for n, cut in enumerate(rounds):
-                label = "sandbox %d round %d" % (index, n + 1)
-                one_round(box, sim, results, label, "KILL%d%02d" % (index, n), cut, rng)
-            walk.send(sim, "quit")
-    except Exception as error:   # noqa: BLE001 (a round's failure is reported, not raised in a thread)
-        results.append((False, "sandbox %d: %s" % (index, error)))
+    with harness.Sandbox("faults-kill-%d" % index) as box:
+        walk.settings(box, PROGRAM, {"GpsDataOption": 1, "SampleInterval": "0.100000", "SurveyMode": 0,
+                                     "MapDisplayMode": 1})
+        os.makedirs(box.c_path("C:\\Survey"), exist_ok=True)
+        sim = walk.start_sim(box, "em31", os.path.join(box.prefix, "sent.log"))
+        rounds = [False] * KILLS_EACH + [True] * POWER_CUTS_EACH
+        for n, cut in enumerate(rounds):
+            label = "part %d round %d" % (index, n + 1)
+            one_round(box, sim, results, label, "KILL%d%02d" % (index, n), cut, rng)
+        walk.send(sim, "quit")
 
 
 def main():
     checks = harness.Checks()
-    results = [[] for _ in range(SANDBOXES)]
-    threads = [threading.Thread(target=sandbox_rounds, args=(i, results[i])) for i in range(SANDBOXES)]
-    for t in threads:
-        t.start()
-        time.sleep(2)
-    for t in threads:
-        t.join()
-    for rows in results:
-        for ok, what in rows:
+    for part in harness.parts_to_run(PARTS):
+        results = []
+        sandbox_rounds(int(part.split("-")[1]), results)
+        for ok, what in results:
             checks.check(ok, what)
-    kills = sum(1 for rows in results for ok, what in rows if "program killed" in what)
-    cuts = sum(1 for rows in results for ok, what in rows if "power cut" in what)
-    checks.equal((kills, cuts), (SANDBOXES * KILLS_EACH, SANDBOXES * POWER_CUTS_EACH),
-                 "twenty kills of the program and four power cuts were made")
+        kills = sum(1 for ok, what in results if "program killed" in what)
+        cuts = sum(1 for ok, what in results if "power cut" in what)
+        checks.equal((kills, cuts), (KILLS_EACH, POWER_CUTS_EACH),
+                     part + ": five kills of the program and a power cut were made")
     checks.finish()
 
 

@@ -29,20 +29,15 @@ TICK_AT = 16
 FRAME_MS = 1000.0 / 10.5
 
 
+# About how long the test runs alone, so that ctest starts the longest first.
+SECONDS = 60
+
 def tick(rec):
     return int(rec[TICK_AT:TICK_AT + 10])
 
 
 def markers(recs, text):
     return [i for i, r in enumerate(recs) if r[0:1] == b"X" and r[1:12].rstrip(b" ") == text]
-
-
-def in_order(sent, logged):
-    """The logged sentences are a run of the sent ones, once each, in order."""
-    if not logged or logged[0] not in sent:
-        return False
-    at = sent.index(logged[0])
-    return sent[at:at + len(logged)] == logged
 
 
 def survey(checks, box):
@@ -117,14 +112,14 @@ def check_gps(checks, recs, log_path):
     # Logging goes on after the cable is back, up to the vanished adapter.
     vanish = [b for b in breaks if b > cable[-1]]
     middle = [g[0] for g in groups if cable[-1] < g[4] < vanish[0]]
-    checks.check(in_order(sent, [g[0] for g in before]),
+    checks.check(gps_survey.stands_in_order(sent, [g[0] for g in before]),
                  "%d sentences before the cable was pulled, each once, in order" % len(before))
-    checks.check(len(middle) > 50 and in_order(sent, middle),
+    checks.check(len(middle) > 50 and gps_survey.stands_in_order(sent, middle),
                  "%d sentences after the cable is back, each once, in order, none lost" % len(middle))
     # The adapter: breaks while it is gone, the last one opens the new port.
     after = [g[0] for g in groups if g[4] > vanish[-1]]
     checks.check(len(vanish) >= 2, "breaks while the adapter is gone and at its return (%d)" % len(vanish))
-    checks.check(len(after) > 50 and in_order(sent, after),
+    checks.check(len(after) > 50 and gps_survey.stands_in_order(sent, after),
                  "%d sentences after the adapter came back, each once, in order, none lost" % len(after))
 
 

@@ -60,12 +60,20 @@ def sent_sentences(log_path, with_times=False):
     return out
 
 
-def stands_in_order(sent, sentences):
-    """True when `sentences` stand in `sent` one after another. A sentence
+def order_start(sent, sentences):
+    """Where `sentences` stand in `sent` one after another, or -1. A sentence
     without a time of day (GSA) repeats while the fix stays the same, and a
     recording can begin with it, so every place of the first one is tried."""
     count = len(sentences)
-    return any(sent[at:at + count] == sentences for at, text in enumerate(sent) if text == sentences[0])
+    for at, text in enumerate(sent):
+        if sentences and text == sentences[0] and sent[at:at + count] == sentences:
+            return at
+    return -1
+
+
+def stands_in_order(sent, sentences):
+    """True when `sentences` stand in `sent` one after another."""
+    return order_start(sent, sentences) >= 0
 
 
 def records(data, length):
