@@ -21,13 +21,32 @@ GPS_BAUD = 115200
 GPS_BAUD_CODE = 5          # 115200 in the "Baud Rate:" list
 GPS_OPTION = 0             # GGA and GSA: both go to the file whole
 
-# Per program: the simulator's model, the frame's length and period, and the
-# settings lines to change. The sample interval keeps every frame.
+
+
+def text_frames(log_path):
+    """(frame, good, ms sent) of the EM31-MK2's text frames, as its reader takes them."""
+    return walk.good_frames(walk.sent_instrument_bytes(log_path), 12)
+
+
+def em38mk2_frames(log_path):
+    """The EM38-MK2's binary frames the simulator sent whole, in the same
+    form; the first byte as 'T', as the reading lookup keys frames."""
+    import test_em38mk2_survey as em38mk2   # in the tree once the EM38-MK2 is
+    return [("T" + frame[1:], True, ms) for ms, frame in em38mk2.sent_frames(log_path)]
+
+
+# Per program: the simulator's model and arguments, the frames sent, the
+# frame's length and period, the reading records' tags, and the settings
+# lines to change: the colour map, GGA and GSA, 115200 baud, Auto, and the
+# sample interval that keeps every frame.
+EM31_LINES = {37: GPS_OPTION, 39: GPS_BAUD_CODE, 47: 0, 54: "0.100000"}
 PROGRAMS = {
-    "Kelvo31": {"model": "em31", "frame_length": 12, "frame_ms": 1000.0 / 10.5, "tags": "T",
-                "lines": {13: 1, 37: GPS_OPTION, 39: GPS_BAUD_CODE, 47: 0, 54: "0.100000"}},
-    "Lum31": {"model": "em31", "frame_length": 12, "frame_ms": 1000.0 / 10.5, "tags": "T",
-              "lines": {37: GPS_OPTION, 39: GPS_BAUD_CODE, 47: 0, 54: "0.100000"}},
+    "Kelvo31": {"model": ["em31"], "frames": text_frames, "frame_length": 12, "frame_ms": 1000.0 / 10.5,
+                "tags": "T", "lines": {**EM31_LINES, 13: 1}},
+    "Lum31": {"model": ["em31"], "frames": text_frames, "frame_length": 12, "frame_ms": 1000.0 / 10.5,
+              "tags": "T", "lines": EM31_LINES},
+    "Kelvo38MK2": {"model": ["em38mk2", "--coils", "2"], "frames": em38mk2_frames, "frame_length": 14,
+                   "frame_ms": 47.0, "tags": "Tt", "lines": {**EM31_LINES, 13: 1, 54: "0.047000"}},
 }
 
 
@@ -64,7 +83,7 @@ def start_simulator(box, model, log_path):
     instrument = box.serial_pair(walk.INSTRUMENT_COM)
     argv = [os.path.join(harness.native_tools_dir(), "fieldsim", "fieldsim"),
             "--gps", gps, "--gps-option", str(GPS_OPTION), "--rate", str(GPS_RATE_HZ), "--baud", str(GPS_BAUD),
-            "--instrument", instrument, "--model", model, "--log", log_path,
+            "--instrument", instrument, "--model"] + model + ["--log", log_path,
             "--lines", "10", "--line-length", "40", "--speed", "1.2"]
     return box.spawn(argv, stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
@@ -152,7 +171,7 @@ def check_file(checks, program, data, log_path, report):
         checks.check(set(while_logging) <= set(logged),
                      label + "all %d sentences sent between \"$STARTED\" and \"PAUSED\" are in the file"
                      % len(while_logging))
-    frames = walk.good_frames(walk.sent_instrument_bytes(log_path), spec["frame_length"])
+    frames = spec["frames"](log_path)
     texts, positions = walk.check_readings(checks, label, recs[begin:end], length, frames, spec["frame_length"], 1,
                                            spec["frame_ms"], spec["tags"])
     skipped = sum(b - a - 1 for a, b in zip(positions, positions[1:]))
