@@ -78,6 +78,16 @@ def gdi_objects(box, title):
         return -1, "none"
 
 
+def check_gdi_count(checks, box):
+    """The tool counts a process's GDI objects: its own 100 brushes, made and
+    deleted, are counted and uncounted."""
+    counts = [line.split()[1] for line in box.run_tool("gdi_objects", ["--self"]).splitlines()
+              if line.startswith("gdi ")]
+    values = [int(c) for c in counts if c.lstrip("-").isdigit()]
+    checks.check(len(values) == 3 and values[1] - values[0] == 100 and values[2] == values[0],
+                 "GDI objects are counted (%s: before, with 100 brushes, after deleting them)" % values)
+
+
 def start_simulator(box, model, log_path):
     gps = box.serial_pair(walk.GPS_COM)
     instrument = box.serial_pair(walk.INSTRUMENT_COM)
@@ -200,6 +210,7 @@ def run(checks, program, minutes, stem="SOAK", report=harness.log):
     back. Returns (samples, readback figures), or None when no session ran."""
     spec = PROGRAMS[program]
     with harness.Sandbox("soak-" + program.replace("-", "")) as box:
+        check_gdi_count(checks, box)
         session.edit_settings(session.first_start(box, program), spec["lines"])
         log_path = os.path.join(box.prefix, "sent.log")
         sim = start_simulator(box, spec["model"], log_path)
