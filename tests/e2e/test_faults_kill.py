@@ -122,8 +122,8 @@ def main():
         sandbox_rounds(int(part.split("-")[1]), results)
         for ok, what in results:
             checks.check(ok, what)
-        kills = sum(1 for ok, what in results if "program killed" in what)
-        cuts = sum(1 for ok, what in results if "power cut" in what)
+        kills = sum(1 for ok, what in results if "program killed while Logging" in what)
+        cuts = sum(1 for ok, what in results if "power cut" in what and "while Logging" in what)
         checks.equal((kills, cuts), (KILLS_EACH, POWER_CUTS_EACH),
                      part + ": five kills of the program and a power cut were made")
     checks.finish()
