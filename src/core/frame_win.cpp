@@ -15,6 +15,7 @@
 #include "core/variant.h"
 #include "gps/coordinates.h"
 #include "gps/gps_monitor_win.h"
+#include "instruments/instrument.h"
 #include "session/session_win.h"
 
 namespace {

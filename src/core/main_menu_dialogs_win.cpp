@@ -1,5 +1,6 @@
 // The main menu's setup buttons and the dialogs they open.
 #include "core/geometry_setup.h"
+#include "instruments/alarm_dialog_win.h"
 #include "core/main_menu_dialogs.h"
 #include "core/platform_win.h"
 #include "core/setup_dialog_win.h"
@@ -10,8 +11,6 @@
 #include "instruments/instrument.h"
 #include "session/session_dialogs_win.h"
 #include "session/view_dialogs_win.h"
-
-SetupDialogHooksRecord SetupDialogHooks;
 
 namespace {
 
@@ -25,14 +24,6 @@ int RunForm(HWND owner, const wchar_t* name, SetupDialogForm form) {
   return RunSetupDialog(owner, form);
 }
 
-// A dialog of another part: its own procedure, or nothing until it is there.
-int RunHooked(HWND owner, const wchar_t* name, DLGPROC procedure) {
-  if (!procedure || !name) return 0;
-  const INT_PTR result = DialogBoxParamW(Windows.Instance, name, owner, procedure, 0);
-  ReturnFocus(owner);
-  return result == 1 ? 1 : 0;
-}
-
 int OpenSetupButton(HWND frame, int button) {
   const wchar_t* name = MainMenuDialogTemplate(button, Screen.ClientWidth);
   switch (button) {
@@ -42,7 +33,8 @@ int OpenSetupButton(HWND frame, int button) {
       return RunForm(frame, name,
                      {nullptr, OpenSystemSetup, SystemChanged, AcceptSystemSetup, nullptr, 1, nullptr, nullptr});
     case MAIN_BUTTON_GEOMETRY:
-      if (Instrument().Commands.TargetAlarm) return RunHooked(frame, name, SetupDialogHooks.Alarms);
+      // An instrument with a target alarm has its settings in the geometry button's place.
+      if (Instrument().Commands.TargetAlarm) return RunAlarmDialog(frame);
       return RunForm(frame, name, {nullptr, OpenGeometrySetup, nullptr, GeometryAccept, nullptr, 1, nullptr, nullptr});
     case MAIN_BUTTON_GPS_PORT: return RunGpsPortSetupDialog(frame);
     case MAIN_BUTTON_MAP_OPTIONS: return RunDisplayOptionsDialog(frame, 0);

@@ -3,13 +3,6 @@
 #pragma once
 #include <windows.h>
 
-// Dialogs of other parts of the program that a main menu button opens: they
-// plug their procedure in here (null: the button does nothing yet).
-struct SetupDialogHooksRecord {
-  DLGPROC Alarms = nullptr;      // the target alarm's dialog (button 3 of such an instrument)
-};
-extern SetupDialogHooksRecord SetupDialogHooks;
-
 // A setup button of the main menu (1, 2, 3, 4, 6, 7): opens its dialog and
 // repaints the menu after OK. Returns 0 for any other button.
 int PressSetupButton(HWND frame, int button);

@@ -10,9 +10,13 @@
 #include "gps/nmea_receiver.h"
 #include "gps/position_pipeline.h"
 #include "gps/reading_bucket.h"
+#include "instruments/em61_decode.h"
+#include "instruments/em61_link.h"
+#include "instruments/em61_session.h"
 #include "instruments/em_frame_reader.h"
 #include "instruments/em_text_reading.h"
 #include "instruments/link_supervision.h"
+#include "instruments/lx2_alarm.h"
 #include "map/array_footprint.h"
 #include "map/background_files.h"
 #include "map/live_map.h"
@@ -67,6 +71,11 @@ void ResetProgramState() {
   ResetRecord(LinkSupervision);
   ResetRecord(FrameReader);
   ResetRecord(EmReadingState);
+  ResetRecord(Em61Scale);
+  ResetRecord(Em61Session);
+  ResetRecord(Em61Framer);
+  ResetRecord(WheelFramer);
+  ResetRecord(Lx2Alarm);
   ResetRecord(ProfileMemory);
   ResetRecord(ArrayFootprint);
   ResetMapCanvas();   // releases the pages first

@@ -42,6 +42,9 @@ constexpr int TEXT_LINE_CHARS = 16;    // 15 characters and the terminator
 //   gps/gps_monitor.h:         GpsMonitor
 //   instruments/link_supervision.h: LinkSupervision instruments/em_frame_reader.h: FrameReader
 //   instruments/em_text_reading.h: EmReadingState   map/profile_views.h: ProfileMemory
+//   instruments/em61_decode.h: Em61Scale            instruments/em61_session.h: Em61Session
+//   instruments/em61_link.h:   Em61Framer, WheelFramer
+//   instruments/lx2_alarm.h:   Lx2Alarm (its detection lives on through sessions)
 //   map/array_footprint.h:     ArrayFootprint
 //   map/map_canvas.h:          MapCanvas, TileTable, MapCallPoints
 //   map/live_map.h:            LiveMap, LiveMapCallPoints

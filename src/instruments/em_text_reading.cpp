@@ -116,20 +116,6 @@ void FeedColourImage(const EmReading& r, EmStatusForm form) {
   AddClassToBucket(ClassOf(mode == 2 ? r.Inphase : r.Conductivity, second));
 }
 
-void ShowStationTexts(ReadingOutcome& out) {
-  out.StationShown = 1;
-  FormatNarrow(out.StationText, OUTCOME_TEXT, "%-11.2f", Session.CurrentStation);
-  FormatNarrow(out.TotalStationsText, OUTCOME_TEXT, "%-7d", Session.TotalStations);
-}
-
-void ShowElapsed(ReadingOutcome& out) {
-  UpdateSessionClocks();
-  const unsigned long ms = Session.TotalTimeMs;
-  out.TimeShown = 1;
-  FormatNarrow(out.TimeText, OUTCOME_TEXT, "%02d:%02d:%02d", (int)(ms / 3600000UL), (int)(ms / 60000UL % 60UL),
-               (int)(ms / 1000UL % 60UL));
-}
-
 void BlankToRecordEnd() {
   int length = Link.FrameLength;
   if (length < 0) length = 0;
@@ -237,7 +223,7 @@ void HandleTextReading(ReadingOutcome& out, EmStatusForm form) {
   EmReading r;
   EmDecodeFrame(Link.FrameBuffer, length, form, DecodeSettings(), r);
   const int status = HandlerStatus(Link.FrameBuffer[1]);
-  s.LogGate = NextLogGate(s.LogGate, status, Manual() ? 1 : 0);
+  s.LogGate = NextLogGate(s.LogGate, status >= 64 ? 1 : 0, Manual() ? 1 : 0);
   StripPositions(out, r, form);
 
   if (form == STATUS_EM34) {
@@ -274,12 +260,6 @@ void HandleTextReading(ReadingOutcome& out, EmStatusForm form) {
 void ResetEmReadingState() {
   EmReadingState = EmReadingStateRecord();
   ManualStation = ManualStationRecord();
-}
-
-int NextLogGate(int gate, int status, int manual) {
-  if (status < 64) return manual ? 0 : 1;
-  if (!manual) return 1;
-  return gate == 0 ? 1 : -1;
 }
 
 void FormatStationLine(int number, char dipole, int separation, int gain, double value, char* out, int capacity) {

@@ -34,8 +34,5 @@ void HandleEm34Reading(ReadingOutcome& out);
 // The EM34-3 station box was answered: 1 accept and move on, 0 repeat the station.
 void FinishManualStation(int accepted, ReadingOutcome& out);
 
-// The LogGate after a reading whose handler status is `status`.
-int NextLogGate(int gate, int status, int manual);
-
 // The rows of the confirmation box and the progress text.
 void FormatStationLine(int number, char dipole, int separation, int gain, double value, char* out, int capacity);

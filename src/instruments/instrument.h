@@ -156,6 +156,11 @@ struct ViewDescription {
   int TitleBySelection;
   // Template of "Sc&ale Readings" ("Pr&ofile Display Options" is the Setup row's profiles template).
   const wchar_t* ScaleDialog;
+  // Labels of the channel values in the numbers panel, one and two sensors;
+  // nullptr where the panel draws no labelled values of its own.
+  const char* const* PanelLabels;
+  const char* const* TwoSensorPanelLabels;
+  int PanelLabelCount;                     // of one sensor; twice that with two
 };
 
 // Per-instrument defaults laid over the starting values before settings are read.

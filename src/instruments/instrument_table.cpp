@@ -10,6 +10,9 @@
 #include "core/variant.h"
 #include "datafile/header_configuration.h"
 #include "instruments/em38_link_check.h"
+#include "instruments/em61_link.h"
+#include "instruments/em61_reading.h"
+#include "instruments/em61_session.h"
 #include "instruments/em_frame_reader.h"
 #include "instruments/em_text_reading.h"
 #include "instruments/reading.h"
@@ -26,6 +29,10 @@ constexpr int32_t ORANGE = 4227327;   // (255, 128, 64)
 constexpr int K = KEEP_DEFAULT;
 
 constexpr unsigned MapMode(int mode) { return 1u << mode; }
+
+const char* const Mk2PanelLabels[] = {"Ch1", "Ch2", "Ch3", "Ch4"};
+const char* const Lx2PanelLabels[] = {"ChE:", "ChL:", "ChF:"};
+const char* const Lx2TwoSensorPanelLabels[] = {"LE:", "LL:", "LF:", "RE:", "RL:", "RF:"};
 
 // Readings a Manual station takes, by the dipole and component settings.
 int ReadingsOfEm31(int dipole, int) { return dipole == 2 ? 2 : 1; }
@@ -122,7 +129,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {nullptr, nullptr, nullptr, nullptr},
                   .ReviewTitles = {"Review", "Review", "Review", "Review"},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE"},
+                  .ScaleDialog = L"READINGSCALE",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 1, .ProfileLineWidth = {2, 3, K, K, K, K, K, K},
                      .ProfileColor = {BLUE, GREEN, K, K, K, K, K, K}, .SensorCount = 1, .SwathBar = 0.5,
@@ -156,8 +164,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadTimeoutMultiplier = 10, .FrameMs = 55.078211059704785, .FrameLength = 14,
                  .ReadingMessage = WM_READING_LX2_ONE, .TwoSensorMessage = WM_READING_LX2_TWO, .TellsBySend = 1, .ReaderTickEvery = 9,
                  .Supervision = SUPERVISE_RECONNECT, .NullingStateAfterStart = 0, .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0,
-                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
-        .Reading = {.Handle = nullptr, .StartSession = nullptr},
+                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = Em61HandshakeCheck},
+        .Reading = {.Handle = TakeLx2Reading, .StartSession = ResetEm61Session},
         .Views = {.ChannelCount = 3, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 2, 5, 2, 3, 6, 7},
                   .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -169,7 +177,9 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Ch E", "Ch L", "Ch F", nullptr},
                   .ReviewTitles = {"Review ChE", "Review ChL", "Review ChF", nullptr},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE"},
+                  .ScaleDialog = L"READINGSCALE",
+                  .PanelLabels = Lx2PanelLabels,
+                  .TwoSensorPanelLabels = Lx2TwoSensorPanelLabels, .PanelLabelCount = 3},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 2, .NullingDone = 0, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 5, .ProfileLineWidth = {2, 3, 4, 2, 2, 3, 4, 1},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -205,8 +215,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadingMessage = WM_READING_EM61, .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 9,
                  .Supervision = SUPERVISE_RECONNECT_POLLED, .NullingStateAfterStart = 0,
                  .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0,
-                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
-        .Reading = {.Handle = nullptr, .StartSession = nullptr},
+                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = Em61HandshakeCheck},
+        .Reading = {.Handle = TakeEm61Mk2Reading, .StartSession = ResetEm61Session},
         .Views = {.ChannelCount = 4, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -218,7 +228,9 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Channel 1", "Channel 2", "Channel 3", "Channel 4/T"},
                   .ReviewTitles = {"Review Ch1", "Review Ch2", "Review Ch3", "Review Ch4/T"},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE"},
+                  .ScaleDialog = L"READINGSCALE",
+                  .PanelLabels = Mk2PanelLabels,
+                  .TwoSensorPanelLabels = Mk2PanelLabels, .PanelLabelCount = 4},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 3, .NullingDone = 0, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 5, .ProfileLineWidth = {2, 3, 4, 2, 2, 3, 4, 1},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -265,7 +277,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Conductivity", "Inphase", nullptr, nullptr},
                   .ReviewTitles = {"Review Conductivity", "Review Inphase", nullptr, nullptr},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE31"},
+                  .ScaleDialog = L"READINGSCALE31",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
                      .MapSwathIndex = 2, .ProfileLineWidth = {3, 2, 3, 2, 2, 2, 2, 2},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -312,7 +325,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Conductivity VDM", "Conductivity HDM", "Inphase VDM", "Inphase HDM"},
                   .ReviewTitles = {"Review Conductivity", "Review Conductivity", "Review Inphase", "Review Inphase"},
                   .TitleBySelection = 1,
-                  .ScaleDialog = L"READINGSCALE31"},
+                  .ScaleDialog = L"READINGSCALE31",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
                      .MapSwathIndex = 1, .ProfileLineWidth = {3, 2, 3, 2, 2, 2, 2, 2},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -359,7 +373,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {nullptr, nullptr, nullptr, nullptr},
                   .ReviewTitles = {nullptr, nullptr, nullptr, nullptr},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE34"},
+                  .ScaleDialog = L"READINGSCALE34",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 6, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 2, .ProfileLineWidth = {3, 3, 3, 2, 2, 2, K, K},
                      .ProfileColor = {BLUE, GREEN, RED, CYAN, ORANGE, MAGENTA, K, K}, .SensorCount = K,
@@ -406,7 +421,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Conductivity 1 m", "Inphase 1 m", "Conductivity 0.5 m", "Inphase 0.5 m"},
                   .ReviewTitles = {"Review Conductivity 1 m", "Review Inphase 1 m", "Review Conductivity 0.5 m", "Review Inphase 0.5 m"},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE31"},
+                  .ScaleDialog = L"READINGSCALE31",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 8, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
                      .MapSwathIndex = 1, .ProfileLineWidth = {3, 3, 3, 3, 2, 2, 2, 2},
                      .ProfileColor = {BLUE, GREEN, RED, ORANGE, BLUE, GREEN, RED, ORANGE}, .SensorCount = K,

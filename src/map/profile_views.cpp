@@ -139,3 +139,8 @@ void FinishScaleDialog() {
   ClearFirstReadingFlags();
   RecomputeColourWidth();
 }
+
+void RememberBarChannel(int window, int index, int channel) {
+  if (window < 0 || window >= BAR_WINDOWS || index < 0 || index >= BARS_PER_WINDOW) return;
+  ProfileMemory.BarChannel[window][index] = channel;
+}

@@ -22,6 +22,7 @@ struct ProfileMemoryRecord {
   int BarsFresh[BAR_WINDOWS] = {1, 1, 1};            // next reading clears the window first
   int BarLast[BAR_WINDOWS][BARS_PER_WINDOW] = {};     // last pixel of each bar
   int BarKept[BAR_WINDOWS][BARS_PER_WINDOW] = {};     // clamped pixel for a repaint, -1 none
+  int BarChannel[BAR_WINDOWS][BARS_PER_WINDOW] = {};  // whose colour the bar took
 };
 
 extern ProfileMemoryRecord ProfileMemory;
@@ -65,6 +66,9 @@ int BarBase(const ScaleTickTable& ticks, int height);
 // `pixel`, painting only the difference. Returns how many (0 to 2).
 int PlanMovingBar(int window, int index, int pixel, const ScaleTickTable& ticks, int height, int left,
                   int width, BarRectangle out[2]);
+
+// The bar's colour is that of `channel` until another reading moves it.
+void RememberBarChannel(int window, int index, int channel);
 
 // The first reading after an erase: 1 when the window is to be cleared first
 // (and the bars then start from their base).

@@ -1,6 +1,7 @@
 #include "map/profile_views_win.h"
 
 #include "core/platform_win.h"
+#include "instruments/instrument.h"
 #include "instruments/reading.h"
 #include "map/profile_views.h"
 #include "session/logging_layout.h"
@@ -75,8 +76,11 @@ const ScaleTickTable& TicksOfWindow(int windowId) {
   return BarTicks(BarWindowOfId(windowId));
 }
 
-void ProfileScroll(HWND curve, const int pixels[], const int on[], int count, const ScaleTickTable& ticks) {
-  if (!curve) return;
+namespace {
+
+// One window's scroll and the strokes of its curves.
+void ProfileScroll(HWND curve, int window, const ReadingOutcome& out, const ProfileStroke strokes[],
+                   const ScaleTickTable& ticks) {
   HDC dc = GetDC(curve);
   if (!dc) return;
   const int w = WindowWidth(curve), h = WindowHeight(curve);
@@ -88,12 +92,10 @@ void ProfileScroll(HWND curve, const int pixels[], const int on[], int count, co
     LineTo(dc, x, h);
   }
   ScaleLines(dc, ticks, c - 1, c + 2);
-  ProfileStroke strokes[PROFILE_CHANNELS];
-  PlanProfileStep(pixels, on, count, strokes);
-  for (int i = 0; i < count && i < PROFILE_CHANNELS; ++i) {
+  for (int i = 0; i < out.ProfileCount && i < PROFILE_CHANNELS; ++i) {
     const ProfileStroke& s = strokes[i];
-    if (s.Kind == STROKE_NONE) continue;
-    SelectObject(dc, Tools.PenProfile[i % 8]);
+    if (s.Kind == STROKE_NONE || out.ProfileWindow[i] != window) continue;
+    SelectObject(dc, Tools.PenProfile[out.ProfilePen[i] % 8]);
     if (s.Kind == STROKE_POINT) {
       MoveToEx(dc, c, s.ToY, nullptr);
       LineTo(dc, c + 1, s.ToY);
@@ -104,6 +106,21 @@ void ProfileScroll(HWND curve, const int pixels[], const int on[], int count, co
   }
   SelectObject(dc, oldPen);
   ReleaseDC(curve, dc);
+}
+
+}  // namespace
+
+void ProfileStep(const ReadingOutcome& out) {
+  const int count = out.ProfileCount < PROFILE_CHANNELS ? out.ProfileCount : PROFILE_CHANNELS;
+  ProfileStroke strokes[PROFILE_CHANNELS];
+  PlanProfileStep(out.ProfilePixel, out.ProfileOn, count, strokes);
+  for (int window = 0; window < CURVE_WINDOW_COUNT; ++window) {
+    HWND curve = LoggingWindows.Curves[window];
+    if (!curve || !IsWindowVisible(curve)) continue;
+    bool has = false;
+    for (int i = 0; i < count; ++i) has = has || out.ProfileWindow[i] == window;
+    if (has) ProfileScroll(curve, window, out, strokes, Scales.ProfileTicks);
+  }
 }
 
 namespace {
@@ -132,11 +149,34 @@ void MoveBarsOfWindow(const ReadingOutcome& out, int bars) {
     BarRectangle rects[2];
     const int n = PlanMovingBar(bars, index, move.Pixel, ticks, h, L.BarLeft[index], L.BarWidth, rects);
     for (int k = 0; k < n; ++k) FillBar(dc, rects[k], move.Channel);
+    RememberBarChannel(bars, index, move.Channel);
   }
   ScaleLines(dc, ticks, 0, w);
   SelectObject(dc, oldPen);
   SelectObject(dc, oldBrush);
   ReleaseDC(window, dc);
+}
+
+// The row's channel labels in blue down the left of the numbers panel, and
+// the mark of the channel that the colour image shows.
+void ChannelLabels(HDC dc, const ReadingOutcome& out, int pitch) {
+  const ViewDescription& views = Instrument().Views;
+  const bool two = TwoSensorsInUse() && views.TwoSensorPanelLabels != views.PanelLabels;
+  const char* const* labels = two ? views.TwoSensorPanelLabels : views.PanelLabels;
+  if (!labels) return;
+  const int count = views.PanelLabelCount * (two ? 2 : 1);
+  SelectObject(dc, Fonts.FontTextBold);
+  SetTextColor(dc, RGB(0, 0, 255));
+  for (int i = 0; i < count; ++i) DrawNarrowTextAt(dc, 10, 4 + i * pitch, labels[i]);
+  if (out.MapChannelMark > 0 && out.MapChannelMark <= count) {
+    const int y = 4 + (int)((out.MapChannelMark - 0.5) * pitch);
+    HGDIOBJ oldPen = SelectObject(dc, GetStockObject(BLACK_PEN));
+    HGDIOBJ oldBrush = SelectObject(dc, Tools.BrushGreen);
+    Ellipse(dc, 1, y - 3, 7, y + 3);
+    SelectObject(dc, oldPen);
+    SelectObject(dc, oldBrush);
+  }
+  SetTextColor(dc, RGB(0, 0, 0));
 }
 
 }  // namespace
@@ -160,9 +200,11 @@ void ShowNumbers(HWND numbers, const ReadingOutcome& out) {
   SetTextColor(dc, RGB(0, 0, 0));
   HGDIOBJ oldFont = SelectObject(dc, Fonts.FontText);
   const int pitch = LoggingLayout.PanelRowPitch > 0 ? LoggingLayout.PanelRowPitch : 16;
+  if (out.NumbersLabelled) ChannelLabels(dc, out, pitch);
   for (int i = 0; i < out.NumberLineCount && i < OUTCOME_NUMBER_LINES; ++i) {
     SelectObject(dc, out.NumberBold[i] ? Fonts.FontTextBold : Fonts.FontText);
-    DrawNarrowTextAt(dc, 4, 4 + i * pitch, out.NumberLines[i]);
+    if (out.NumbersLabelled) DrawNarrowTextAt(dc, all.right - 10, 4 + i * pitch, out.NumberLines[i], TA_RIGHT | TA_TOP);
+    else DrawNarrowTextAt(dc, 4, 4 + i * pitch, out.NumberLines[i]);
   }
   SelectObject(dc, oldFont);
   ReleaseDC(numbers, dc);
@@ -186,7 +228,7 @@ void PaintReadoutWindow(HWND window, HDC dc) {
     for (int b = 0; b < L.BarCount && b < 4; ++b) {
       const int kept = ProfileMemory.BarKept[bars][b];
       if (kept < 0) continue;
-      const int channel = bars == BAR_WINDOW_I ? 2 + b : b;
+      const int channel = ProfileMemory.BarChannel[bars][b];
       BarRectangle r{0, L.BarLeft[b], kept < base ? kept : base, L.BarLeft[b] + L.BarWidth, kept < base ? base : kept};
       FillBar(dc, r, channel);
     }

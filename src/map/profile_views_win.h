@@ -8,8 +8,9 @@
 
 struct ReadingOutcome;
 
-// One step of the scrolling profile in `curve`.
-void ProfileScroll(HWND curve, const int pixels[], const int on[], int count, const ScaleTickTable& ticks);
+// One step of the scrolling profile: each curve window that has a curve of
+// the step scrolls once and draws its curves.
+void ProfileStep(const ReadingOutcome& out);
 
 // The bars of a reading, each in its window.
 void MovingBars(const ReadingOutcome& out);

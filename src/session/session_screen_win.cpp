@@ -22,12 +22,15 @@
 #include "map/live_map.h"
 #include "map/scale_ticks.h"
 #include "gps/gps_reader_win.h"
+#include "instruments/instrument.h"
 #include "instruments/link_supervision.h"
 #include "instruments/link_supervision_win.h"
 #include "instruments/serial_ports_win.h"
 #include "map/map_canvas.h"
 #include "session/commands.h"
+#include "session/em61_commands_win.h"
 #include "session/logging_screen_win.h"
+#include "session/reading_screen_win.h"
 #include "session/recording.h"
 #include "session/session_dialogs_win.h"
 #include "session/session_menu_win.h"
@@ -269,9 +272,11 @@ void GoCommand() {
   StartRecording(TickNow());
   ShowStatusText(3);
   ShowChannelButtons(0);
+  LinkForLoggingStart();
   ShowWindow(LoggingWindows.Pause, SW_SHOW);
   SendMessageW(LoggingWindows.Pause, BM_SETSTYLE, 1, TRUE);
   if (StationsConfirmed()) ShowReadingCount(1);
+  RedrawReadingsPanel();
   ShowPauseHint(SESSION_LOGGING);
   Session.ProcessingEnabled = 1;
 }
@@ -281,9 +286,11 @@ void PauseCommand() {
   Session.ProcessingEnabled = 0;
   const PauseWarning warning = StopRecording();
   if (StationsConfirmed() && Model.ManualReadingsPerStation > 1) ShowReadingCount(0);
+  RedrawReadingsPanel();
   ShowPauseHint(SESSION_STANDBY);
   ReopenDataFileAtEnd();
   ShowChannelButtons(1);
+  LinkForLoggingStop();
   ShowStandBySet();
   if (Session.MapVisible) EnableReviewRow(1);
   ShowStatusText(2);
@@ -425,8 +432,9 @@ void RunCommand(int code) {
     case CMD_NEW_LINE: NewLineCommand(); break;
     case CMD_NEW_STATION: NewStationCommand(); break;
     case CMD_COMMENT: CommentCommand(); break;
-    case CMD_NULLING:
-      break;  // the nulling itself comes with the EM61 readings
+    case CMD_NULLING: NullingCommand(); break;
+    case CMD_CALIBRATE: CalibrateCommand(); break;
+    case CMD_ALARM_SETTINGS: AlarmSettingsCommand(); break;
     case CMD_HIDE_MENU:
       RepaintLoggingScreen();
       break;

@@ -234,10 +234,39 @@ class Sandbox:
     def run_to_end(self, exe, args=(), timeout=120):
         """Runs a Windows program (a setup program, an uninstaller) and waits
         until every process it started has ended too; returns its exit code."""
-        result = subprocess.run(["wine", exe] + list(args), env=self.env(), capture_output=True,
-                                timeout=timeout, start_new_session=True)
-        subprocess.run(["wineserver", "-w"], env=self.env(), capture_output=True, timeout=timeout)
+        result = subprocess.run(["wine", exe] + list(args), env=self.env(), stdout=subprocess.DEVNULL,
+                                stderr=subprocess.DEVNULL, timeout=timeout, start_new_session=True)
+        # The prefix's server and system processes stay up for the next
+        # program; what this one started (an uninstaller copies itself to a
+        # temporary program and runs that) is waited for by name.
+        deadline = time.time() + timeout
+        while self.programs_running() and time.time() < deadline:
+            time.sleep(0.2)
         return result.returncode
+
+    SYSTEM_PROGRAMS = (b"services.exe", b"winedevice.exe", b"plugplay.exe", b"svchost.exe", b"explorer.exe",
+                       b"rpcss.exe", b"conhost.exe", b"winemenubuilder.exe", b"start.exe", b"tabtip.exe")
+
+    def programs_running(self):
+        """Windows programs of this prefix other than its system processes."""
+        own = ("WINEPREFIX=" + self.prefix).encode()
+        running = []
+        for entry in os.listdir("/proc"):
+            if not entry.isdigit():
+                continue
+            try:
+                with open("/proc/%s/cmdline" % entry, "rb") as f:
+                    command = f.read()
+                with open("/proc/%s/environ" % entry, "rb") as f:
+                    if own not in f.read().split(b"\0"):
+                        continue
+            except OSError:
+                continue
+            first = command.split(b"\0")[0].lower()
+            if not first.endswith(b".exe") or first.endswith(self.SYSTEM_PROGRAMS):
+                continue
+            running.append(int(entry))
+        return running
 
     def pids(self, program, suffix=".exe"):
         """Process ids of a program running in this sandbox's prefix; other

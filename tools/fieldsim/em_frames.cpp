@@ -47,6 +47,8 @@ double FramePeriodMs(InstrumentModel model) {
     case InstrumentModel::Em34: return 55.078211059704785;
     case InstrumentModel::Em38Short: return 72.0;
     case InstrumentModel::Em38Long: return 91.0;
+    case InstrumentModel::Em61Mk2:
+    case InstrumentModel::Em61Lx2: return 55.078211059704785;
   }
   return 100.0;
 }

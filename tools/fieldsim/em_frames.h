@@ -7,7 +7,8 @@
 
 namespace fieldsim {
 
-enum class InstrumentModel { Em31, Em34, Em38Short, Em38Long };
+// The EM61 family is played by em61_stream.h; its frames are binary.
+enum class InstrumentModel { Em31, Em34, Em38Short, Em38Long, Em61Mk2, Em61Lx2 };
 
 struct InstrumentSetup {
   InstrumentModel Model = InstrumentModel::Em31;

@@ -78,16 +78,9 @@ void InstrumentStream::Apply(const Command& command, double now) {
     case CommandKind::Quiet:
       quietUntil_ = now + command.Amount;
       break;
-    case CommandKind::Garbage: {
-      std::uniform_int_distribution<int> byte(0, 255);
-      std::string noise;
-      while (noise.size() < static_cast<size_t>(command.Amount)) {
-        const char c = static_cast<char>(byte(random_));
-        if (c != '\r') noise += c;
-      }
-      port_.Send(noise);
+    case CommandKind::Garbage:
+      port_.Send(GarbageBytes(random_, static_cast<size_t>(command.Amount), "\r"));
       break;
-    }
     case CommandKind::Overlong: {
       std::uniform_int_distribution<int> digit('0', '9');
       std::string line;
