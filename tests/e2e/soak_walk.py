@@ -35,18 +35,20 @@ def em38mk2_frames(log_path):
     return [("T" + frame[1:], True, ms) for ms, frame in em38mk2.sent_frames(log_path)]
 
 
-# Per program: the simulator's model and arguments, the frames sent, the
+# Per program: the simulator's model and arguments, the frames sent, whether
+# its reader posts frames (and reads on) or sends them (and waits), the
 # frame's length and period, the reading records' tags, and the settings
 # lines to change: the colour map, GGA and GSA, 115200 baud, Auto, and the
 # sample interval that keeps every frame.
 EM31_LINES = {37: GPS_OPTION, 39: GPS_BAUD_CODE, 47: 0, 54: "0.100000"}
 PROGRAMS = {
-    "Kelvo31": {"model": ["em31"], "frames": text_frames, "frame_length": 12, "frame_ms": 1000.0 / 10.5,
-                "tags": "T", "lines": {**EM31_LINES, 13: 1}},
-    "Lum31": {"model": ["em31"], "frames": text_frames, "frame_length": 12, "frame_ms": 1000.0 / 10.5,
-              "tags": "T", "lines": EM31_LINES},
-    "Kelvo38MK2": {"model": ["em38mk2", "--coils", "2"], "frames": em38mk2_frames, "frame_length": 14,
-                   "frame_ms": 47.0, "tags": "Tt", "lines": {**EM31_LINES, 13: 1, 54: "0.047000"}},
+    "Kelvo31": {"model": ["em31"], "frames": text_frames, "posted": True, "frame_length": 12,
+                "frame_ms": 1000.0 / 10.5, "tags": "T", "lines": {**EM31_LINES, 13: 1}},
+    "Lum31": {"model": ["em31"], "frames": text_frames, "posted": True, "frame_length": 12,
+              "frame_ms": 1000.0 / 10.5, "tags": "T", "lines": EM31_LINES},
+    "Kelvo38MK2": {"model": ["em38mk2", "--coils", "2"], "frames": em38mk2_frames, "posted": False,
+                   "frame_length": 14, "frame_ms": 47.0, "tags": "Tt",
+                   "lines": {**EM31_LINES, 13: 1, 54: "0.047000"}},
 }
 
 
@@ -186,9 +188,18 @@ def check_file(checks, program, data, log_path, report):
                                            spec["frame_ms"], spec["tags"])
     skipped = sum(b - a - 1 for a, b in zip(positions, positions[1:]))
     span = positions[-1] - positions[0] + 1 if positions else 0
-    checks.check(len(positions) == len(texts) and skipped == 0,
-                 label + "%d readings logged for the %d frames sent from the first logged to the last: "
-                 "none lost, none twice" % (len(texts), span))
+    if spec["posted"]:
+        # The reader posts its frame and reads on: a frame may be overwritten
+        # by the next while the screen's thread is held up (two compile jobs
+        # on both cores do that now and then); none may come twice.
+        checks.check(len(positions) == len(texts) and skipped <= span // 1000,
+                     label + "%d readings logged for the %d frames sent from the first logged to the last: "
+                     "none twice, %d overwritten by the next before the screen took it (at most 1 in 1000)"
+                     % (len(texts), span, skipped))
+    else:
+        checks.check(len(positions) == len(texts) and skipped == 0,
+                     label + "%d readings logged for the %d frames sent from the first logged to the last: "
+                     "none lost, none twice" % (len(texts), span))
     if positions and at >= 0:
         # Frames sent after "$STARTED" and before "PAUSED" that are not logged.
         ticks = [int(r[tick_at:tick_at + 10]) for r in recs[begin:end] if chr(r[0]) in spec["tags"]]
