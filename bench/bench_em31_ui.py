@@ -8,42 +8,22 @@ from a frame leaving the simulator to its reading record in the data file
 Run after the windows and native builds:  python3 bench/bench_em31_ui.py [--em31-only]"""
 import os
 import statistics
-import subprocess
 import sys
 import time
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "e2e"))
 import em31_family_walk as walk  # noqa: E402
 import harness  # noqa: E402
+from soak_walk import process_seconds  # noqa: E402
 import test_gps_survey as survey  # noqa: E402
 import test_session_start as session  # noqa: E402
 
 SECONDS = 60
 
 
-def process_seconds(pid):
-    try:
-        fields = open("/proc/%d/stat" % pid).read().rsplit(")", 1)[1].split()
-        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
-    except (OSError, IndexError, ValueError):
-        return 0.0
-
-
-def pid_in_prefix(pattern, prefix):
-    """The process matching `pattern` whose environment names this prefix
-    (other sandboxes may run the same program and their own wineserver)."""
-    for pid in subprocess.run(["pgrep", "-f", pattern], capture_output=True, text=True).stdout.split():
-        try:
-            env = open("/proc/%s/environ" % pid, "rb").read().split(b"\0")
-        except OSError:
-            continue
-        if ("WINEPREFIX=" + prefix).encode() in env:
-            return int(pid)
-    return None
-
-
 def measure_cpu(box, what, seconds=SECONDS):
-    prog, server = pid_in_prefix("Kelvo31.exe", box.prefix), pid_in_prefix("wineserver", box.prefix)
+    prog = (box.pids("Kelvo31") or [None])[0]
+    server = (box.pids("wineserver", suffix="") or [None])[0]
     p0 = process_seconds(prog) if prog else 0.0
     s0 = process_seconds(server) if server else 0.0
     start = time.time()

@@ -286,6 +286,8 @@ struct DataFileRecord {
   volatile HandleWord DataFile = NO_HANDLE;   // -1 when none; the GPS thread writes through it
   wchar_t DataFilePath[TEXT_PATH_CHARS] = {}; // full path
   wchar_t DataFileName[TEXT_PATH_CHARS] = {}; // shown on the status line
+  volatile int DiskFullSeen = 0;              // a record group did not go in whole [either writer]
+  int DiskFullNoticeShown = 0;                // the operator was told, once for the file
 };
 
 // Size of the map window and the cursor drawn on it [main].

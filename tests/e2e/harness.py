@@ -165,6 +165,7 @@ class Sandbox:
         os.makedirs(os.path.dirname(self.prefix), exist_ok=True)
         copy_prefix(template_prefix(), self.prefix)
         self.processes = []
+        self.pairs = {}
         self.programs = []
         self.display = None
         self.xvfb = None
@@ -267,10 +268,12 @@ class Sandbox:
             running.append(int(entry))
         return running
 
-    def pids(self, program):
+    def pids(self, program, suffix=".exe"):
         """Process ids of a program running in this sandbox's prefix; other
-        tests and other users run programs of the same name at the same time."""
-        exe = (program + ".exe").encode()
+        tests and other users run programs of the same name at the same time.
+        With suffix "" any process whose command line holds `program`:
+        "wineserver", or "" for every process of the prefix."""
+        exe = (program + suffix).encode()
         own = ("WINEPREFIX=" + self.prefix).encode()
         found = []
         for entry in os.listdir("/proc"):
@@ -431,9 +434,11 @@ class Sandbox:
             return f.read()
 
     # ------------------------------------------------------------ serial ports
-    def serial_pair(self, com_number):
+    def serial_pair(self, com_number, by_link=False):
         """Links COM<com_number> of the prefix to a fresh pty pair; returns the
-        host path of the other end, for the field simulator."""
+        host path of the other end, for the field simulator: the pty itself,
+        or with `by_link` the link to it, by which the simulator finds the
+        pair again once `unplug` and another `serial_pair` made it anew."""
         folder = os.path.join(self.prefix, "serial")
         os.makedirs(folder, exist_ok=True)
         program_end = os.path.join(folder, "com%d-program" % com_number)
@@ -442,6 +447,7 @@ class Sandbox:
             ["socat", "pty,raw,echo=0,link=" + program_end, "pty,raw,echo=0,link=" + peer_end],
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
         self.processes.append(process)
+        self.pairs[com_number] = process
         deadline = time.time() + 10
         while not (os.path.islink(program_end) and os.path.islink(peer_end)):
             if time.time() > deadline:
@@ -451,7 +457,17 @@ class Sandbox:
         if os.path.lexists(link):
             os.unlink(link)
         os.symlink(os.path.realpath(program_end), link)
-        return os.path.realpath(peer_end)
+        return peer_end if by_link else os.path.realpath(peer_end)
+
+    def unplug(self, com_number):
+        """The port's adapter is gone: its pty pair ends (socat removes its
+        links on TERM, so nothing stale points at a reused pty) and COM<n>
+        no longer exists in the prefix."""
+        process = self.pairs.pop(com_number, None)
+        if process is not None and process.poll() is None:
+            os.killpg(process.pid, signal.SIGTERM)
+            process.wait(timeout=10)
+        self.remove_port(com_number)
 
     def remove_port(self, com_number):
         link = os.path.join(self.prefix, "dosdevices", "com%d" % com_number)

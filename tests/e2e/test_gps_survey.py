@@ -39,8 +39,9 @@ def record_length(program):
     return 24 if program == "Lum31" else 27
 
 
-def sent_sentences(log_path):
-    """The sentences the simulator sent on the GPS line, in order."""
+def sent_sentences(log_path, with_times=False):
+    """The sentences the simulator sent on the GPS line, in order; with
+    `with_times` each as (sentence, wall-clock ms of its sending)."""
     out = []
     if not os.path.exists(log_path):
         return out
@@ -54,16 +55,25 @@ def sent_sentences(log_path):
             piece = piece.strip("\r")
             if piece.startswith("$"):
                 # The receiver keeps only bytes strictly between 35 and 127.
-                out.append("".join(c for c in piece if 35 < ord(c) < 127))
+                text = "".join(c for c in piece if 35 < ord(c) < 127)
+                out.append((text, float(parts[0])) if with_times else text)
     return out
 
 
-def stands_in_order(sent, sentences):
-    """True when `sentences` stand in `sent` one after another. A sentence
+def order_start(sent, sentences):
+    """Where `sentences` stand in `sent` one after another, or -1. A sentence
     without a time of day (GSA) repeats while the fix stays the same, and a
     recording can begin with it, so every place of the first one is tried."""
     count = len(sentences)
-    return any(sent[at:at + count] == sentences for at, text in enumerate(sent) if text == sentences[0])
+    for at, text in enumerate(sent):
+        if sentences and text == sentences[0] and sent[at:at + count] == sentences:
+            return at
+    return -1
+
+
+def stands_in_order(sent, sentences):
+    """True when `sentences` stand in `sent` one after another."""
+    return order_start(sent, sentences) >= 0
 
 
 def records(data, length):
