@@ -15,6 +15,7 @@ struct ModelStatusTexts;
 struct ChoiceList;
 struct ReadingOutcome;
 struct LinkPort;
+struct HeaderColumns;
 
 // How the instrument talks on its serial line.
 enum LinkForm {
@@ -250,8 +251,8 @@ struct DataFileDescription {
   const char* NavigationPattern;
   const char* MappingDefaultExtension;   // the dialog's default extension (no dot)
   const char* NavigationDefaultExtension;
-  // Columns 15 to 25 of record 1 ("Type" and modes), into `out` (12 bytes).
-  void (*HeaderConfiguration)(char* out, int capacity);
+  // Columns 16 on of record 1 ("Type" and modes): which setting stands where.
+  const HeaderColumns* HeaderConfiguration;
   // In Manual the footprint records are the station array's: three sets,
   // one per coil separation, replayed as bars in the separations' colours.
   int ArrayCornersInManual;
