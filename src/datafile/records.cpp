@@ -140,13 +140,6 @@ void SendOne(RecordText& record) {
 
 // ---------------------------------------------------------------- header
 
-// The nine characters of the signature, with the instrument's own marks.
-void MakeSignature(char signature[10]) {
-  const DataFileDescription& file = Instrument().DataFile;
-  memcpy(signature, IsNavigation() ? file.NavigationSignature : file.MappingSignature, 10);
-  if (file.SignatureMarks) file.SignatureMarks(signature);
-}
-
 // The program's version without its point: "2.26" gives "226".
 void MakeVersionDigits(char digits[4]) {
   const char* version = VariantVersion();
@@ -170,7 +163,7 @@ void AddSignatureRecord(RecordGroup& group, int appendFlag) {
   BeginRecord(record);
   char signature[10];
   char version[4];
-  MakeSignature(signature);
+  FileSignature(signature);
   MakeVersionDigits(version);
   if (appendFlag == 1 && !IsNavigation()) signature[0] = 'r';
   PutTextField(record, L::SIGNATURE, signature);
@@ -366,6 +359,12 @@ void PutReadingText(RecordText& record, const unsigned char* frame) {
 }
 
 }  // namespace
+
+void FileSignature(char signature[10]) {
+  const DataFileDescription& file = Instrument().DataFile;
+  memcpy(signature, IsNavigation() ? file.NavigationSignature : file.MappingSignature, 10);
+  if (file.SignatureMarks) file.SignatureMarks(signature);
+}
 
 int RecordLength() {
   return IsNavigation() && Instrument().DataFile.ShortNavigationRecords ? 24 : RECORD_LENGTH_LONGEST;

@@ -16,6 +16,7 @@ struct ChoiceList;
 struct ReadingOutcome;
 struct LinkPort;
 struct HeaderColumns;
+struct RecordReading;
 
 // How the instrument talks on its serial line.
 enum LinkForm {
@@ -129,6 +130,12 @@ struct ReadingDescription {
   // before it (a Manual station's stacked readings); 0 when it is no
   // reading of the profile.
   int (*ReplayProfileReading)(const unsigned char* record, ReadingOutcome& out);
+  // The same met by the export: its values by sensor into `out`, with the
+  // calibration the file holds at that place; 0 when it is no reading.
+  int (*RecordValues)(const unsigned char* record, RecordReading& out);
+  // The values of one sensor, named with their units, in the order of `out`.
+  const char* const* ValueNames;
+  int ValueCount;
 };
 
 // Channels, scales and the views.

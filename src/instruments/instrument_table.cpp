@@ -82,20 +82,14 @@ void Em343DipoleSetting() {
 // separation moves it when the reading comes.
 void Em343PrepareSession() {
   Model.Em34ConfigShown = Model.Em34ConfigLast = Settings.DipoleMode;
-  static const double HalfSeparations[3] = {5.0, 10.0, 20.0};
+  static const int Separations[3] = {10, 20, 40};
   const double y = GpsLink.GpsOffsetYEffective;
   if (Session.SurveyModeCurrent == SURVEY_MANUAL) {
     GpsLink.PositionOffsetApplied = 0;
     Model.ManualStationOpen = 0;
-    for (int i = 0; i < 3; ++i) {
-      const double half = HalfSeparations[i];
-      Model.Em34OffsetBySeparation[i] =
-          Settings.Em34Reference == 0 ? y + half : Settings.Em34Reference == 1 ? -half - y : y;
-    }
+    for (int i = 0; i < 3; ++i) Model.Em34OffsetBySeparation[i] = Em34SensorLag(y, Settings.Em34Reference, Separations[i]);
   } else {
-    const double half = Model.Em34Separation / 2.0;
-    if (Settings.Em34Reference == 0) GpsLink.GpsOffsetYEffective = y + half;
-    else if (Settings.Em34Reference == 1) GpsLink.GpsOffsetYEffective = -half - y;
+    GpsLink.GpsOffsetYEffective = Em34SensorLag(y, Settings.Em34Reference, Model.Em34Separation);
   }
 }
 
@@ -118,7 +112,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .Supervision = SUPERVISE_PANEL_ONCE, .NullingStateAfterStart = -1, .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0,
                  .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
         .Reading = {.Handle = nullptr, .StartSession = nullptr,
-                    .ReplayColourEntry = nullptr, .ReplayProfileReading = nullptr},
+                    .ReplayColourEntry = nullptr, .ReplayProfileReading = nullptr,
+                    .RecordValues = nullptr, .ValueNames = nullptr, .ValueCount = 0},
         .Views = {.ChannelCount = 1, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -168,7 +163,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .Supervision = SUPERVISE_RECONNECT, .NullingStateAfterStart = 0, .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0,
                  .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = Em61HandshakeCheck},
         .Reading = {.Handle = TakeLx2Reading, .StartSession = ResetEm61Session,
-                    .ReplayColourEntry = ReplayLx2ColourEntry, .ReplayProfileReading = ReplayLx2ProfileReading},
+                    .ReplayColourEntry = ReplayLx2ColourEntry, .ReplayProfileReading = ReplayLx2ProfileReading,
+                    .RecordValues = Lx2RecordValues, .ValueNames = Lx2ValueNames, .ValueCount = 3},
         .Views = {.ChannelCount = 3, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 2, 5, 2, 3, 6, 7},
                   .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -221,7 +217,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0,
                  .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = Em61HandshakeCheck},
         .Reading = {.Handle = TakeEm61Mk2Reading, .StartSession = ResetEm61Session,
-                    .ReplayColourEntry = ReplayEm61Mk2ColourEntry, .ReplayProfileReading = ReplayEm61Mk2ProfileReading},
+                    .ReplayColourEntry = ReplayEm61Mk2ColourEntry, .ReplayProfileReading = ReplayEm61Mk2ProfileReading,
+                    .RecordValues = Em61Mk2RecordValues, .ValueNames = Em61Mk2ValueNames, .ValueCount = 4},
         .Views = {.ChannelCount = 4, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -272,7 +269,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .Supervision = SUPERVISE_EACH_TICK, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 0,
                  .StartFramer = StartFrameReader, .FramerByte = FrameReaderByte, .CheckLink = nullptr},
         .Reading = {.Handle = HandleEm31Reading, .StartSession = ResetEmReadingState,
-                    .ReplayColourEntry = ReplayEm31ColourEntry, .ReplayProfileReading = ReplayEm31ProfileReading},
+                    .ReplayColourEntry = ReplayEm31ColourEntry, .ReplayProfileReading = ReplayEm31ProfileReading,
+                    .RecordValues = Em31RecordValues, .ValueNames = EmCoilValueNames, .ValueCount = 4},
         .Views = {.ChannelCount = 2, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2), .ScaleMin = 0,
                   .ScaleMax = 500, .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 0, .DipoleAtStart = 0,
@@ -322,7 +320,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .NullingStateAfterStart = -1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 0,
                  .StartFramer = StartFrameReader, .FramerByte = FrameReaderByte, .CheckLink = Em38LinkCheckWith},
         .Reading = {.Handle = HandleEm38Reading, .StartSession = ResetEmReadingState,
-                    .ReplayColourEntry = ReplayEm38ColourEntry, .ReplayProfileReading = ReplayEm38ProfileReading},
+                    .ReplayColourEntry = ReplayEm38ColourEntry, .ReplayProfileReading = ReplayEm38ProfileReading,
+                    .RecordValues = Em38RecordValues, .ValueNames = EmCoilValueNames, .ValueCount = 4},
         .Views = {.ChannelCount = 2, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2), .ScaleMin = 0,
                   .ScaleMax = 500, .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 2, .DipoleAtStart = 0,
@@ -372,7 +371,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .Supervision = SUPERVISE_BATTERY_SAVE, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 0,
                  .StartFramer = StartFrameReader, .FramerByte = FrameReaderByte, .CheckLink = nullptr},
         .Reading = {.Handle = HandleEm34Reading, .StartSession = ResetEmReadingState,
-                    .ReplayColourEntry = ReplayEm34ColourEntry, .ReplayProfileReading = ReplayEm34ProfileReading},
+                    .ReplayColourEntry = ReplayEm34ColourEntry, .ReplayProfileReading = ReplayEm34ProfileReading,
+                    .RecordValues = Em34RecordValues, .ValueNames = Em34ValueNames, .ValueCount = 6},
         .Views = {.ChannelCount = 1, .DisplayCurveCount = 6, .ProfileChannelOrder = {0, 1, 2, 3, 4, 5, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 500,
                   .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 2, .DipoleAtStart = 0,
@@ -422,7 +422,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .Supervision = SUPERVISE_EACH_TICK, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 50,
                  .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
         .Reading = {.Handle = nullptr, .StartSession = nullptr,
-                    .ReplayColourEntry = nullptr, .ReplayProfileReading = nullptr},
+                    .ReplayColourEntry = nullptr, .ReplayProfileReading = nullptr,
+                    .RecordValues = nullptr, .ValueNames = nullptr, .ValueCount = 0},
         .Views = {.ChannelCount = 4, .DisplayCurveCount = 8, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2) | MapMode(4),
                   .ScaleMin = 0, .ScaleMax = 1000, .Scale2Min = 0, .Scale2Max = 1500, .ComponentAtStart = 0,
