@@ -29,7 +29,6 @@ namespace {
 namespace L = RecordLayout;
 
 constexpr int NAME_IN_H = L::FILE_NAME.Width;          // characters of the base name in the "H" record
-constexpr int NAME_IN_L = L::NAME_CONTINUED.Width;     // further characters in the "L" records
 constexpr int MARKER_TEXT_CHARS = L::MARKER_TEXT.Width;
 
 // One record being printed.
