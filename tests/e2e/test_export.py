@@ -31,7 +31,7 @@ FRAME_MS = 1000.0 / 10.5
 STEM = "EXPWALK"
 OUTPUTS = {"--csv": "walk.csv", "--track": "track.csv", "--geojson": "walk.json", "--kml": "walk.kml",
            "--svg": "walk.svg"}
-SECONDS = 110
+SECONDS = 40
 
 
 def native_exporter():
