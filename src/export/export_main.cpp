@@ -101,6 +101,12 @@ int main(int argc, char** argv) {
       FormatNarrow(error, sizeof error, "could not finish writing an output file");
       status = EXPORT_OUTPUT_FAILED;
     }
+  // Nothing is left behind for a file that could not be read.
+  if (status == EXPORT_UNREADABLE) {
+    const char* outputs[] = {options.Csv, options.GeoJson, options.Kml, options.Svg, options.Track};
+    for (const char* output : outputs)
+      if (output[0]) remove(output);
+  }
   fflush(stdout);
   if (status != EXPORT_DONE && !failed) fprintf(stderr, "kelvo_export: %s\n", error);
   return status;

@@ -42,6 +42,16 @@ bool TakeScale(const char* text, ExportOptions& o) {
   return o.HaveScale != 0;
 }
 
+// The same name, letters of either case alike (as the Windows file system has them).
+bool SameName(const char* a, const char* b) {
+  for (; *a && *b; ++a, ++b) {
+    const char x = *a >= 'a' && *a <= 'z' ? (char)(*a - 32) : *a;
+    const char y = *b >= 'a' && *b <= 'z' ? (char)(*b - 32) : *b;
+    if (x != y) return false;
+  }
+  return *a == *b;
+}
+
 }  // namespace
 
 int ParseExportOptions(int argc, const char* const* argv, ExportOptions& o, char* error, int capacity) {
@@ -107,5 +117,12 @@ int ParseExportOptions(int argc, const char* const* argv, ExportOptions& o, char
     FormatNarrow(error, capacity, "no data file given");
     return 0;
   }
+  // An output over the data file would lose the survey.
+  const char* outputs[] = {o.Csv, o.GeoJson, o.Kml, o.Svg, o.Track};
+  for (const char* output : outputs)
+    if (output[0] && SameName(output, o.DataFile)) {
+      FormatNarrow(error, capacity, "%s is the data file; it is never written", output);
+      return 0;
+    }
   return 1;
 }

@@ -111,6 +111,23 @@ def run_exports(box, folder, name):
     return results
 
 
+def check_refusals(checks, box, folder):
+    """Files the exporters cannot read: a one-line message and status 2, from both."""
+    cases = {"missing.T31": None, "empty.T31": b"", "foreign.T31": b"Line,Station,Easting,Northing\r\n1,0,5,5\r\n",
+             "junk.T31": bytes((i * 151 + 7) % 256 for i in range(4000))}
+    for name, content in cases.items():
+        if content is not None:
+            with open(os.path.join(folder, name), "wb") as f:
+                f.write(content)
+        for side, command in (("native", [native_exporter()]), ("windows", ["wine", windows_exporter()])):
+            result = subprocess.run(command + [name, "--csv", "refused.csv"], cwd=folder, env=box.env(),
+                                    stdin=subprocess.DEVNULL, capture_output=True, timeout=60, start_new_session=True)
+            message = result.stderr.decode("latin-1").strip()
+            checks.check(result.returncode == 2 and len(message.splitlines()) == 1 and name in message,
+                         "%s exporter on %s: status %d, \"%s\"" % (side, name, result.returncode, message))
+            checks.check(not os.path.exists(os.path.join(folder, "refused.csv")), "%s: no output left" % side)
+
+
 def check_export(checks, data, log_path, out):
     recs = gps_survey.records(data, 27)
     # The program's tick against the simulator's clock, by the GPS sentences of both.
@@ -229,6 +246,7 @@ def main():
             b = open(os.path.join(windows_out, name), "rb").read()
             checks.check(len(a) > 0 and a == b, "%s: the same %d bytes from both exporters" % (name, len(a)))
         check_export(checks, data, log_path, native_out)
+        check_refusals(checks, box, folder)
     checks.finish()
 
 

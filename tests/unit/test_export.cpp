@@ -228,6 +228,7 @@ TEST(CommandLineMistakesSayWhatIsWrong) {
       {{"A.T31", "--gap", "-1"}, "--gap: bad value \"-1\""},
       {{"A.T31", "--scale", "5,5"}, "--scale: bad value \"5,5\""},
       {{"A.T31", "--lag", "1e3"}, "--lag: bad value \"1e3\""},
+      {{"day.t31", "--csv", "out.csv", "--svg", "DAY.T31"}, "DAY.T31 is the data file; it is never written"},
   };
   for (const Case& c : cases) {
     CHECK(!ParseExportOptions((int)c.Args.size(), c.Args.data(), o, error, sizeof error));
