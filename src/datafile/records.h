@@ -14,6 +14,9 @@ extern void (*DataFileSink)(const char* bytes, size_t count);
 void InstallDataFileSink();
 
 int RecordLength();   // 27, or 24 in the navigation product with the EM31-MK2
+// The nine characters of record 1's signature, with the instrument's marks
+// of the settings, and a terminating zero.
+void FileSignature(char signature[10]);
 
 constexpr int RECORD_LENGTH_LONGEST = 27;
 constexpr int RECORD_BUFFER_BYTES = 30;     // a record is built in a zeroed buffer of this size

@@ -6,6 +6,7 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "core/ticks.h"
+#include "datafile/record_layout.h"
 #include "gps/reading_bucket.h"
 #include "instruments/filter_factor.h"
 #include "instruments/instrument.h"
@@ -39,11 +40,8 @@ struct MapPassRecord {
 
 MapPassRecord MapPass;
 
-double NumberAt(const unsigned char* record, int from, int to) {
-  char text[RECORD_BUFFER_BYTES] = {};
-  int n = 0;
-  for (int i = from; i <= to && i < RECORD_BUFFER_BYTES - 1; ++i) text[n++] = (char)record[i];
-  return AsciiToDouble(text);
+double NumberAt(const unsigned char* record, const RecordField& field) {
+  return FieldNumber(record, RecordLength(), field);
 }
 
 // The coloured segment from the kept line to the new one, with the readings
@@ -113,7 +111,7 @@ void FootprintLineRead(int set) {
 
 void CornerRecord(const unsigned char* record) {
   MapPassRecord& p = MapPass;
-  const int letter = record[1];
+  const int letter = record[RecordLayout::CORNER_LETTER.Column];
   if (letter == '0') {
     // A new swath begins: readings count from here.
     if (p.ColourView) {
@@ -124,7 +122,7 @@ void CornerRecord(const unsigned char* record) {
   }
   if (letter < 'a' || letter >= 'a' + 4 * CORNER_SETS) return;
   const int set = (letter - 'a') / 4, k = (letter - 'a') % 4;
-  p.Corners[set][k] = NumberAt(record, 2, RECORD_LENGTH_LONGEST - 2);
+  p.Corners[set][k] = NumberAt(record, RecordLayout::CORNER_VALUE);
   if (k == 3) FootprintLineRead(set);
 }
 
@@ -205,17 +203,18 @@ void TakeReplayCalibration(const unsigned char* record) {
   const DataFileDescription& row = Instrument().DataFile;
   const int isZeroLevel = record[0] == 'O' && row.ZeroLevelRecords;
   const int isFilter = record[0] == 'I' && row.FilterRecords;
-  if (record[0] == 'O' && row.OffsetRecords && record[1] >= '1' && record[1] <= '6') {
-    const int k = record[1] - '1';
-    c.Offsets[k] = NumberAt(record, 2, 11);
-    c.PreviousOffsets[k] = NumberAt(record, 13, 22);
+  const int number = record[RecordLayout::OFFSET_NUMBER.Column];
+  if (record[0] == 'O' && row.OffsetRecords && number >= '1' && number <= '6') {
+    const int k = number - '1';
+    c.Offsets[k] = NumberAt(record, RecordLayout::OFFSET_VALUE);
+    c.PreviousOffsets[k] = NumberAt(record, RecordLayout::OFFSET_PREVIOUS);
     ++c.OffsetRecords;
   } else if (isZeroLevel) {
-    if (p.RunOfZeroLevels < 4) c.ZeroLevels[p.RunOfZeroLevels] = NumberAt(record, 1, 9);
+    if (p.RunOfZeroLevels < 4) c.ZeroLevels[p.RunOfZeroLevels] = NumberAt(record, RecordLayout::CALIBRATION_VALUE);
     ++p.RunOfZeroLevels;
     ++c.ZeroLevelRecords;
   } else if (isFilter) {
-    if (p.RunOfFilterRecords < 2) c.FilterValues[p.RunOfFilterRecords] = ConvertFilterFactor(NumberAt(record, 1, 9), 1);
+    if (p.RunOfFilterRecords < 2) c.FilterValues[p.RunOfFilterRecords] = ConvertFilterFactor(NumberAt(record, RecordLayout::CALIBRATION_VALUE), 1);
     ++p.RunOfFilterRecords;
     ++c.FilterRecords;
   }

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "datafile/record_cursor.h"
+#include "datafile/record_layout.h"
 #include "datafile/replay_map.h"
 #include "instruments/instrument.h"
 #include "map/profile_views.h"
@@ -46,10 +47,11 @@ bool ColumnEmpty(const ProfileReplayColumn& column) {
 // Going backward past an "O1".."O6" record: the readings before it were
 // decoded with the values that it replaced.
 void TakeOlderCalibration(const unsigned char* record) {
-  if (!Instrument().DataFile.OffsetRecords || record[1] < '1' || record[1] > '6') return;
+  const int number = record[RecordLayout::OFFSET_NUMBER.Column];
+  if (!Instrument().DataFile.OffsetRecords || number < '1' || number > '6') return;
   ReplayCalibrationRecord& c = ReplayCalibration;
   TakeReplayCalibration(record);
-  const int k = record[1] - '1';
+  const int k = number - '1';
   c.Offsets[k] = c.PreviousOffsets[k];
 }
 

@@ -9,6 +9,7 @@
 #include "gps/reading_bucket.h"
 #include "instruments/instrument.h"
 #include "instruments/em61_decode.h"
+#include "instruments/record_reading.h"
 #include "instruments/em61_session.h"
 #include "instruments/lx2_alarm.h"
 #include "instruments/lx2_calibration.h"
@@ -285,7 +286,32 @@ void Lx2Values(const unsigned char* record, int sensors, const double offsets[4]
   }
 }
 
+bool MarkerLetter(unsigned char letter) { return letter && strchr("MNPQ", letter) != nullptr; }
+
 }  // namespace
+
+const char* const Em61Mk2ValueNames[4] = {"Ch1 [mV]", "Ch2 [mV]", "Ch3 [mV]", "Ch4 [mV]"};
+const char* const Lx2ValueNames[3] = {"E [mV]", "L [mV]", "F [mV]"};
+
+int Em61Mk2RecordValues(const unsigned char* record, RecordReading& out) {
+  if (!ReplayedLetter(record[0])) return 0;
+  const Em61Reading r = RedecodeEm61Mk2(record, ReplayCalibration.ZeroLevels);
+  for (int c = 0; c < 4; ++c) {
+    out.Values[c] = r.Channels[c];
+    out.Valid[c] = 1;
+  }
+  out.Marker = MarkerLetter(record[0]) ? 1 : 0;
+  return 1;
+}
+
+int Lx2RecordValues(const unsigned char* record, RecordReading& out) {
+  if (!ReplayedLetter(record[0])) return 0;
+  const int sensors = ReplaySensors();
+  Lx2Values(record, sensors, ReplayCalibration.ZeroLevels, ReplayCalibration.FilterValues, out.Values);
+  for (int c = 0; c < 3 * sensors; ++c) out.Valid[c] = 1;
+  out.Marker = MarkerLetter(record[0]) ? 1 : 0;
+  return 1;
+}
 
 int ReplayEm61Mk2ColourEntry(const unsigned char* record, int32_t& entry) {
   const int channel = Settings.MapDisplayMode;

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 struct ReadingOutcome;
+struct RecordReading;
 
 void TakeEm61Mk2Reading(ReadingOutcome& out);
 void TakeLx2Reading(ReadingOutcome& out);
@@ -17,3 +18,11 @@ int ReplayEm61Mk2ColourEntry(const unsigned char* record, int32_t& entry);
 int ReplayEm61Mk2ProfileReading(const unsigned char* record, ReadingOutcome& out);
 int ReplayLx2ColourEntry(const unsigned char* record, int32_t& entry);
 int ReplayLx2ProfileReading(const unsigned char* record, ReadingOutcome& out);
+
+// A reading record read back by the export, with the zero levels and filter
+// ratios the file holds at that place: four channels in mV, or E, L and F in
+// mV for each sensor of the EM61-LX2.
+int Em61Mk2RecordValues(const unsigned char* record, RecordReading& out);
+int Lx2RecordValues(const unsigned char* record, RecordReading& out);
+extern const char* const Em61Mk2ValueNames[4];
+extern const char* const Lx2ValueNames[3];

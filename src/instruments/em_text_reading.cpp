@@ -11,6 +11,7 @@
 #include "gps/nmea_receiver.h"
 #include "gps/reading_bucket.h"
 #include "instruments/instrument.h"
+#include "instruments/record_reading.h"
 #include "instruments/reading.h"
 #include "map/array_footprint.h"
 #include "map/colour_scale.h"
@@ -345,7 +346,39 @@ int ReplayProfile(const unsigned char* record, EmStatusForm form, ReadingOutcome
   return stacked ? PROFILE_SHARED_COLUMN : PROFILE_OWN_COLUMN;
 }
 
+// The values a record carries, and the lag of the EM34-3's coil pair.
+int RecordValuesOf(const unsigned char* record, EmStatusForm form, RecordReading& out) {
+  const int tag = record[0];
+  const bool stacked = tag >= '2' && tag <= '6';
+  if (tag != 'T' && !stacked) return 0;
+  EmReading r;
+  EmDecodeFrame(record, RECORD_FRAME_LENGTH, form, DecodeSettings(), r);
+  for (int c = 0; c < READING_CHANNELS && c < RECORD_READING_VALUES; ++c) {
+    out.Values[c] = r.Values[c];
+    out.Valid[c] = r.Valid[c];
+  }
+  out.Marker = r.Marker == 'M' ? 1 : 0;
+  out.Stacked = stacked ? 1 : 0;
+  if (form == STATUS_EM34) out.LagMetres = Em34SensorLag(Settings.GpsOffsetY, Settings.Em34Reference, r.Separation);
+  return 1;
+}
+
 }  // namespace
+
+const char* const EmCoilValueNames[4] = {"C_V [mS/m]", "C_H [mS/m]", "I_V [ppt]", "I_H [ppt]"};
+const char* const Em34ValueNames[6] = {"C_V10 [mS/m]", "C_V20 [mS/m]", "C_V40 [mS/m]",
+                                       "C_H10 [mS/m]", "C_H20 [mS/m]", "C_H40 [mS/m]"};
+
+double Em34SensorLag(double offsetY, int reference, int separation) {
+  const double half = separation / 2.0;
+  if (reference == 0) return offsetY + half;
+  if (reference == 1) return -half - offsetY;
+  return offsetY;
+}
+
+int Em31RecordValues(const unsigned char* record, RecordReading& out) { return RecordValuesOf(record, STATUS_EM31, out); }
+int Em38RecordValues(const unsigned char* record, RecordReading& out) { return RecordValuesOf(record, STATUS_EM38, out); }
+int Em34RecordValues(const unsigned char* record, RecordReading& out) { return RecordValuesOf(record, STATUS_EM34, out); }
 
 int ReplayEm31ColourEntry(const unsigned char* record, int32_t& entry) { return ReplayEntry(record, STATUS_EM31, entry); }
 int ReplayEm38ColourEntry(const unsigned char* record, int32_t& entry) { return ReplayEntry(record, STATUS_EM38, entry); }

@@ -8,6 +8,7 @@
 #include "instruments/em_text_decode.h"
 
 struct ReadingOutcome;
+struct RecordReading;
 
 // What the handlers keep between readings.
 struct EmReadingStateRecord {
@@ -47,3 +48,15 @@ int ReplayEm34ColourEntry(const unsigned char* record, int32_t& entry);
 int ReplayEm31ProfileReading(const unsigned char* record, ReadingOutcome& out);
 int ReplayEm38ProfileReading(const unsigned char* record, ReadingOutcome& out);
 int ReplayEm34ProfileReading(const unsigned char* record, ReadingOutcome& out);
+
+// A reading record read back by the export: the channels in mS/m and ppt.
+int Em31RecordValues(const unsigned char* record, RecordReading& out);
+int Em38RecordValues(const unsigned char* record, RecordReading& out);
+int Em34RecordValues(const unsigned char* record, RecordReading& out);
+extern const char* const EmCoilValueNames[4];   // EM31-MK2 and EM38
+extern const char* const Em34ValueNames[6];
+
+// How far the EM34-3's reading point trails the antenna: the GPS Y offset
+// moved by half the coil separation by the reference coil (0 leading,
+// 1 trailing, 2 the centre).
+double Em34SensorLag(double offsetY, int reference, int separation);

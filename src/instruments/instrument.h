@@ -15,6 +15,8 @@ struct ModelStatusTexts;
 struct ChoiceList;
 struct ReadingOutcome;
 struct LinkPort;
+struct HeaderColumns;
+struct RecordReading;
 
 // How the instrument talks on its serial line.
 enum LinkForm {
@@ -128,6 +130,12 @@ struct ReadingDescription {
   // before it (a Manual station's stacked readings); 0 when it is no
   // reading of the profile.
   int (*ReplayProfileReading)(const unsigned char* record, ReadingOutcome& out);
+  // The same met by the export: its values by sensor into `out`, with the
+  // calibration the file holds at that place; 0 when it is no reading.
+  int (*RecordValues)(const unsigned char* record, RecordReading& out);
+  // The values of one sensor, named with their units, in the order of `out`.
+  const char* const* ValueNames;
+  int ValueCount;
 };
 
 // Channels, scales and the views.
@@ -250,8 +258,8 @@ struct DataFileDescription {
   const char* NavigationPattern;
   const char* MappingDefaultExtension;   // the dialog's default extension (no dot)
   const char* NavigationDefaultExtension;
-  // Columns 15 to 25 of record 1 ("Type" and modes), into `out` (12 bytes).
-  void (*HeaderConfiguration)(char* out, int capacity);
+  // Columns 16 on of record 1 ("Type" and modes): which setting stands where.
+  const HeaderColumns* HeaderConfiguration;
   // In Manual the footprint records are the station array's: three sets,
   // one per coil separation, replayed as bars in the separations' colours.
   int ArrayCornersInManual;

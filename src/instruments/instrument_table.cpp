@@ -82,20 +82,14 @@ void Em343DipoleSetting() {
 // separation moves it when the reading comes.
 void Em343PrepareSession() {
   Model.Em34ConfigShown = Model.Em34ConfigLast = Settings.DipoleMode;
-  static const double HalfSeparations[3] = {5.0, 10.0, 20.0};
+  static const int Separations[3] = {10, 20, 40};
   const double y = GpsLink.GpsOffsetYEffective;
   if (Session.SurveyModeCurrent == SURVEY_MANUAL) {
     GpsLink.PositionOffsetApplied = 0;
     Model.ManualStationOpen = 0;
-    for (int i = 0; i < 3; ++i) {
-      const double half = HalfSeparations[i];
-      Model.Em34OffsetBySeparation[i] =
-          Settings.Em34Reference == 0 ? y + half : Settings.Em34Reference == 1 ? -half - y : y;
-    }
+    for (int i = 0; i < 3; ++i) Model.Em34OffsetBySeparation[i] = Em34SensorLag(y, Settings.Em34Reference, Separations[i]);
   } else {
-    const double half = Model.Em34Separation / 2.0;
-    if (Settings.Em34Reference == 0) GpsLink.GpsOffsetYEffective = y + half;
-    else if (Settings.Em34Reference == 1) GpsLink.GpsOffsetYEffective = -half - y;
+    GpsLink.GpsOffsetYEffective = Em34SensorLag(y, Settings.Em34Reference, Model.Em34Separation);
   }
 }
 
@@ -118,7 +112,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .Supervision = SUPERVISE_PANEL_ONCE, .NullingStateAfterStart = -1, .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0,
                  .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
         .Reading = {.Handle = nullptr, .StartSession = nullptr,
-                    .ReplayColourEntry = nullptr, .ReplayProfileReading = nullptr},
+                    .ReplayColourEntry = nullptr, .ReplayProfileReading = nullptr,
+                    .RecordValues = nullptr, .ValueNames = nullptr, .ValueCount = 0},
         .Views = {.ChannelCount = 1, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -150,7 +145,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .MappingFilter = "KLV601 Files (*.RGR)", .MappingPattern = "*.RGR",
                      .NavigationFilter = "Lum601 Files (*.601)", .NavigationPattern = "*.601",
                      .MappingDefaultExtension = "RGR", .NavigationDefaultExtension = "601",
-                     .HeaderConfiguration = GradiometerHeaderConfiguration,
+                     .HeaderConfiguration = &GradiometerHeaderColumns,
                      .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_SENSORS, .DotRadius = 0.2, .Width = 0.0, .Length = 0.1, .PictureGeometry = GradiometerPicture,
                      .SummaryCells = GradiometerSummaryCells},
@@ -168,7 +163,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .Supervision = SUPERVISE_RECONNECT, .NullingStateAfterStart = 0, .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0,
                  .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = Em61HandshakeCheck},
         .Reading = {.Handle = TakeLx2Reading, .StartSession = ResetEm61Session,
-                    .ReplayColourEntry = ReplayLx2ColourEntry, .ReplayProfileReading = ReplayLx2ProfileReading},
+                    .ReplayColourEntry = ReplayLx2ColourEntry, .ReplayProfileReading = ReplayLx2ProfileReading,
+                    .RecordValues = Lx2RecordValues, .ValueNames = Lx2ValueNames, .ValueCount = 3},
         .Views = {.ChannelCount = 3, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 2, 5, 2, 3, 6, 7},
                   .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -202,7 +198,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .NavigationFilter = "Lum61LX2 Files (*.TX2)", .NavigationPattern = "*.TX2",
                      // The EM61-LX2 borrows the EM61-MK2's default extensions, as it always has.
                      .MappingDefaultExtension = "T61", .NavigationDefaultExtension = "P61",
-                     .HeaderConfiguration = Lx2HeaderConfiguration,
+                     .HeaderConfiguration = &Lx2HeaderColumns,
                      .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"Alarms S&etup", .Picture = PICTURE_YELLOW_COILS, .DotRadius = 0.1, .Width = 1.0, .Length = 0.5, .PictureGeometry = Lx2Picture,
                      .SummaryCells = Lx2SummaryCells},
@@ -221,7 +217,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0,
                  .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = Em61HandshakeCheck},
         .Reading = {.Handle = TakeEm61Mk2Reading, .StartSession = ResetEm61Session,
-                    .ReplayColourEntry = ReplayEm61Mk2ColourEntry, .ReplayProfileReading = ReplayEm61Mk2ProfileReading},
+                    .ReplayColourEntry = ReplayEm61Mk2ColourEntry, .ReplayProfileReading = ReplayEm61Mk2ProfileReading,
+                    .RecordValues = Em61Mk2RecordValues, .ValueNames = Em61Mk2ValueNames, .ValueCount = 4},
         .Views = {.ChannelCount = 4, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -254,7 +251,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .MappingFilter = "KLV61MK2 Files (*.T61)", .MappingPattern = "*.T61",
                      .NavigationFilter = "Lum61MK2 Files (*.P61)", .NavigationPattern = "*.P61",
                      .MappingDefaultExtension = "T61", .NavigationDefaultExtension = "P61",
-                     .HeaderConfiguration = Em61Mk2HeaderConfiguration,
+                     .HeaderConfiguration = &Em61Mk2HeaderColumns,
                      .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_RED_COIL, .DotRadius = 0.1, .Width = 1.0, .Length = 0.5, .PictureGeometry = Em61Mk2Picture,
                      .SummaryCells = Em61Mk2SummaryCells},
@@ -272,7 +269,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .Supervision = SUPERVISE_EACH_TICK, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 0,
                  .StartFramer = StartFrameReader, .FramerByte = FrameReaderByte, .CheckLink = nullptr},
         .Reading = {.Handle = HandleEm31Reading, .StartSession = ResetEmReadingState,
-                    .ReplayColourEntry = ReplayEm31ColourEntry, .ReplayProfileReading = ReplayEm31ProfileReading},
+                    .ReplayColourEntry = ReplayEm31ColourEntry, .ReplayProfileReading = ReplayEm31ProfileReading,
+                    .RecordValues = Em31RecordValues, .ValueNames = EmCoilValueNames, .ValueCount = 4},
         .Views = {.ChannelCount = 2, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2), .ScaleMin = 0,
                   .ScaleMax = 500, .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 0, .DipoleAtStart = 0,
@@ -304,7 +302,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .MappingFilter = "KLV31 Files (*.T31)", .MappingPattern = "*.T31",
                      .NavigationFilter = "Lum31 Files (*.H31)", .NavigationPattern = "*.H31",
                      .MappingDefaultExtension = "T31", .NavigationDefaultExtension = "H31",
-                     .HeaderConfiguration = CoilLengthHeaderConfiguration,
+                     .HeaderConfiguration = &CoilLengthHeaderColumns,
                      .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BOOM, .DotRadius = 0.18, .Width = 0.16, .Length = 3.6, .PictureGeometry = Em31Picture,
                      .SummaryCells = Em31SummaryCells},
@@ -322,7 +320,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .NullingStateAfterStart = -1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 0,
                  .StartFramer = StartFrameReader, .FramerByte = FrameReaderByte, .CheckLink = Em38LinkCheckWith},
         .Reading = {.Handle = HandleEm38Reading, .StartSession = ResetEmReadingState,
-                    .ReplayColourEntry = ReplayEm38ColourEntry, .ReplayProfileReading = ReplayEm38ProfileReading},
+                    .ReplayColourEntry = ReplayEm38ColourEntry, .ReplayProfileReading = ReplayEm38ProfileReading,
+                    .RecordValues = Em38RecordValues, .ValueNames = EmCoilValueNames, .ValueCount = 4},
         .Views = {.ChannelCount = 2, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2), .ScaleMin = 0,
                   .ScaleMax = 500, .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 2, .DipoleAtStart = 0,
@@ -354,7 +353,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      // The EM38's save dialog has no filter, as it always had.
                      .MappingFilter = nullptr, .MappingPattern = nullptr, .NavigationFilter = nullptr,
                      .NavigationPattern = nullptr, .MappingDefaultExtension = "T38",
-                     .NavigationDefaultExtension = "H38", .HeaderConfiguration = CoilLengthHeaderConfiguration,
+                     .NavigationDefaultExtension = "H38", .HeaderConfiguration = &CoilLengthHeaderColumns,
                      .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BAR, .DotRadius = 0.1, .Width = 0.05, .Length = 1.0, .PictureGeometry = nullptr,
                      .SummaryCells = Em38SummaryCells},
@@ -372,7 +371,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .Supervision = SUPERVISE_BATTERY_SAVE, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 0,
                  .StartFramer = StartFrameReader, .FramerByte = FrameReaderByte, .CheckLink = nullptr},
         .Reading = {.Handle = HandleEm34Reading, .StartSession = ResetEmReadingState,
-                    .ReplayColourEntry = ReplayEm34ColourEntry, .ReplayProfileReading = ReplayEm34ProfileReading},
+                    .ReplayColourEntry = ReplayEm34ColourEntry, .ReplayProfileReading = ReplayEm34ProfileReading,
+                    .RecordValues = Em34RecordValues, .ValueNames = Em34ValueNames, .ValueCount = 6},
         .Views = {.ChannelCount = 1, .DisplayCurveCount = 6, .ProfileChannelOrder = {0, 1, 2, 3, 4, 5, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 500,
                   .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 2, .DipoleAtStart = 0,
@@ -404,7 +404,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .MappingFilter = "KLV34-3 Files (*.T34)", .MappingPattern = "*.T34",
                      .NavigationFilter = "Lum34-3 Files (*.H34)", .NavigationPattern = "*.H34",
                      .MappingDefaultExtension = "T34", .NavigationDefaultExtension = "H34",
-                     .HeaderConfiguration = CoilReferenceHeaderConfiguration,
+                     .HeaderConfiguration = &CoilReferenceHeaderColumns,
                      .ArrayCornersInManual = 1},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_END_COILS, .DotRadius = 0.6, .Width = 1.2, .Length = 10.0, .PictureGeometry = Em343Picture,
                      .SummaryCells = Em343SummaryCells},
@@ -422,7 +422,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .Supervision = SUPERVISE_EACH_TICK, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 50,
                  .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
         .Reading = {.Handle = nullptr, .StartSession = nullptr,
-                    .ReplayColourEntry = nullptr, .ReplayProfileReading = nullptr},
+                    .ReplayColourEntry = nullptr, .ReplayProfileReading = nullptr,
+                    .RecordValues = nullptr, .ValueNames = nullptr, .ValueCount = 0},
         .Views = {.ChannelCount = 4, .DisplayCurveCount = 8, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2) | MapMode(4),
                   .ScaleMin = 0, .ScaleMax = 1000, .Scale2Min = 0, .Scale2Max = 1500, .ComponentAtStart = 0,
@@ -454,7 +455,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .MappingFilter = "KLV38MK2 Files (*.TM8)", .MappingPattern = "*.TM8",
                      .NavigationFilter = "Lum38MK2 Files (*.382)", .NavigationPattern = "*.382",
                      .MappingDefaultExtension = "TM8", .NavigationDefaultExtension = "382",
-                     .HeaderConfiguration = Em38Mk2HeaderConfiguration,
+                     .HeaderConfiguration = &Em38Mk2HeaderColumns,
                      .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BAR_MK2, .DotRadius = 0.1, .Width = 0.04, .Length = 1.0, .PictureGeometry = nullptr,
                      .SummaryCells = Em38Mk2SummaryCells},
