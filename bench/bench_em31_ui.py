@@ -22,7 +22,7 @@ SECONDS = 60
 
 
 def measure_cpu(box, what, seconds=SECONDS):
-    meter = wine_cpu.Meter(box.prefix, "Kelvo31.exe")
+    meter = wine_cpu.Meter(box, "Kelvo31")
     meter.start()
     time.sleep(seconds)
     wine_cpu.report(what, meter.stop())

@@ -44,7 +44,7 @@ def main():
         survey.wait_first_fix(box)
         survey.log_to_file(box, window, "BENCH")
         time.sleep(2)
-        meter = wine_cpu.Meter(box.prefix, "Kelvo38MK2.exe")
+        meter = wine_cpu.Meter(box, "Kelvo38MK2")
         meter.start()
         time.sleep(seconds)
         figures = meter.stop()

@@ -2,35 +2,9 @@
 threads and the wineserver of its own prefix (other sandboxes may run the
 same program and their own wineserver at the same time)."""
 import os
-import subprocess
 import time
 
-TICKS = os.sysconf("SC_CLK_TCK")
-
-
-def stat_seconds(path):
-    """User and system seconds of a /proc stat file."""
-    try:
-        fields = open(path).read().rsplit(")", 1)[1].split()
-        return (int(fields[11]) + int(fields[12])) / TICKS
-    except (OSError, IndexError, ValueError):
-        return 0.0
-
-
-def process_seconds(pid):
-    return stat_seconds("/proc/%d/stat" % pid)
-
-
-def pid_in_prefix(pattern, prefix):
-    """The process matching `pattern` whose environment names this prefix."""
-    for pid in subprocess.run(["pgrep", "-f", pattern], capture_output=True, text=True).stdout.split():
-        try:
-            env = open("/proc/%s/environ" % pid, "rb").read().split(b"\0")
-        except OSError:
-            continue
-        if ("WINEPREFIX=" + prefix).encode() in env:
-            return int(pid)
-    return None
+from soak_walk import process_seconds, stat_seconds
 
 
 def thread_seconds(pid):
@@ -49,9 +23,9 @@ class Meter:
     """Seconds used by the program, by each of its threads, and by its
     wineserver, between start() and stop()."""
 
-    def __init__(self, prefix, exe):
-        self.program = pid_in_prefix(exe, prefix)
-        self.server = pid_in_prefix("wineserver", prefix)
+    def __init__(self, box, program):
+        self.program = (box.pids(program) or [None])[0]
+        self.server = (box.pids("wineserver", suffix="") or [None])[0]
 
     def sample(self):
         return (process_seconds(self.program) if self.program else 0.0,

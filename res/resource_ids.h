@@ -1,6 +1,8 @@
 // Identifiers shared by the resource script and the program.
 #pragma once
 
+#include "../src/core/setup_dialog_ids.h"
+
 #define IDI_KELVO 108
 #define IDC_MESSAGE_TEXT 550
 
@@ -102,3 +104,13 @@
 #define IDC_DISPLAY_COLOUR_FIRST 1370   // 1370 to 1377
 #define IDC_DISPLAY_WIDTH_FIRST 1380    // 1380 to 1387
 #define IDC_DISPLAY_GRID 1390
+#define IDC_DISPLAY_AMPLITUDE 1391   // DISPLAYSETUP: "Linear" or "Compressed"
+// ALARMLX2, the EM61-LX2 target alarm's settings.
+#define IDC_ALARM_LEVEL 900
+#define IDC_ALARM_TYPE 901
+#define IDC_ALARM_MIN_LEVEL 902
+#define IDC_ALARM_MAX_LEVEL 903
+#define IDC_ALARM_DESCENDING 905
+#define IDC_ALARM_AUDIO 906
+#define IDC_ALARM_WIDTH 907
+#define IDC_ALARM_CHANNEL 908

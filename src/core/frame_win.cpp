@@ -5,6 +5,7 @@
 #include "core/model_defaults.h"
 #include "core/platform_win.h"
 #include "core/program_win.h"
+#include "core/setup_forms_win.h"
 #include "core/settings.h"
 #include "core/startup_layout.h"
 #include "core/state.h"
@@ -14,6 +15,7 @@
 #include "core/variant.h"
 #include "gps/coordinates.h"
 #include "gps/gps_monitor_win.h"
+#include "instruments/instrument.h"
 #include "session/session_win.h"
 #include "session/view_dialogs_win.h"
 
@@ -145,7 +147,7 @@ void PressMainButton(HWND frame, int index) {
     case 7: RunDisplaySetupDialog(frame); break;
     case 8: ResetToDefault(frame); break;
     case 9: SendMessageW(frame, WM_CLOSE, 0, 0); break;
-    default: break;  // the setup dialogs and the GPS monitor open here
+    default: PressSetupButton(frame, index); break;
   }
 }
 

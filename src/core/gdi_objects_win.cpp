@@ -1,5 +1,6 @@
 // Fonts, pens and brushes, made once and kept for the life of the program.
 #include "core/platform_win.h"
+#include "map/map_canvas_win.h"
 #include "core/state.h"
 #include "map/colour_scale.h"
 
@@ -77,6 +78,7 @@ void CreateFixedPens() {
 
 void CreateMapPens(int again) {
   if (again == 1) {
+    ReleaseMapCanvasPen();
     DeleteObject(Tools.PenCursor);
     DeleteObject(Tools.PenPosition1);
     DeleteObject(Tools.PenPosition2);

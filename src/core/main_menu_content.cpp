@@ -163,12 +163,13 @@ void BuildInstrumentPicture(int buttonsLeft, int buttonsTop) {
     p.ReferenceCoil = Settings.Em34Reference;
   }
 
-  // The antenna, measured from the instrument's own corner.
+  // The antenna, measured from the picture's origin (not from the instrument,
+  // which moves right when the antenna stands beyond its left side).
   int ad = TruncToInt(S * p.Rd);
   if (2 * S * p.Rd < 4) ad = 2;
   // Sensor dots stand at the top edge; the antenna of the others from the middle.
   if (sensors && ad > 45) ad = 45;
-  int ax = left + TruncToInt(sw / 2 + S * x);
+  int ax = p.OriginX + TruncToInt(sw / 2 + S * x);
   int ay = top - TruncToInt(S * y) + (sensors ? 0 : sl / 2);
   p.Antenna = PixelCircle{ax, ay, ad};
   p.AntennaShown = Settings.GpsInput > 0 ? 1 : 0;

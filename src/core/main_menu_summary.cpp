@@ -1,6 +1,7 @@
 #include "core/main_menu_summary.h"
 
 #include "core/main_menu_content.h"
+#include "core/setup_lists.h"
 #include "core/state.h"
 #include "core/text.h"
 #include "instruments/instrument.h"
@@ -13,17 +14,15 @@ const char* Pick(const char* const* list, int count, int index, const char* fall
   return list[index];
 }
 
+// The same of a list the setup dialogs show too.
+const char* Pick(const ChoiceList& list, int index, const char* fallback) {
+  return Pick(list.Items, list.Count, index, fallback);
+}
+
 const char* const SurveyModeNames[] = {"AUTO", "WHEEL", "MANUAL"};
-const char* const PauseKeyNames[] = {"any key", "<Enter>", "<Space Bar>", "<P>"};
-const char* const Em61TypeNames[] = {"Standard", "High Power", "Standard N.C.C", "HP N.C.C."};
-const char* const Lx2TypeNames[] = {"Standard", "Standard N.C.C"};
-const char* const CoilLengthNames[] = {"Standard", "Short"};
-const char* const Em38ComponentNames[] = {"Conductivity", "Inphase"};
-const char* const Em38Mk2TypeNames[] = {"EM38MK2", "EM38MK2-1"};
-const char* const SensorSizeNames[] = {"1 x 0.5 m", "0.5 x 1.0 m", "1 x 1 m", "0.5 x 0.5 m", "Hand Held"};
-const char* const ReferenceNames[] = {"Leading Coil", "Trailing Coil", "EM34-3 Center"};
-const char* const DipoleNames[] = {"Vertical", "Horizontal"};
-const char* const GpsDataNames[] = {"GGA/GSA", "GGA", "POS", "LLK", "LLQ", "GLL", "GGK", "Pseudo GGA", "Pseudo GLL"};
+// The summary abbreviates the types of the EM61 family and the EM38-MK2.
+const char* const Em61TypeShortNames[] = {"Standard", "High Power", "Standard N.C.C", "HP N.C.C."};
+const char* const Em38Mk2TypeShortNames[] = {"EM38MK2", "EM38MK2-1"};
 
 void Put(char* to, const char* text) { FormatNarrow(to, SUMMARY_TEXT_CHARS, "%s", text); }
 
@@ -67,14 +66,14 @@ int CommonCells(int row, SummaryRow& cells) {
       Put(cells.LeftLabel, "Survey Line:");
       Put(cells.LeftValue, line);
       Put(cells.RightLabel, "Dipole Mode:");
-      Put(cells.RightValue, Settings.DipoleMode == 0 ? DipoleNames[0] : DipoleNames[1]);
+      Put(cells.RightValue, DipoleModeNames.Items[Settings.DipoleMode == 0 ? 0 : 1]);
       return 1;
     }
     case 4:
       Put(cells.LeftLabel, "Line Increment:");
       FormatNarrow(cells.LeftValue, SUMMARY_TEXT_CHARS, "%.2f", Settings.LineIncrement);
       Put(cells.RightLabel, "Pause Key:");
-      Put(cells.RightValue, Pick(PauseKeyNames, 4, Settings.PauseKey, ""));
+      Put(cells.RightValue, Pick(PauseKeyNames, Settings.PauseKey, ""));
       return 1;
     case 5:
       Put(cells.LeftLabel, "Start Station:");
@@ -89,7 +88,7 @@ int CommonCells(int row, SummaryRow& cells) {
       Put(cells.RightLabel, "GPS Data:");
       if (Settings.GpsInput == 0) Put(cells.RightValue, "N/A");
       else if (Settings.GpsDataOption == 7 && Settings.PseudoGgaSlam) Put(cells.RightValue, "p-GGA SLAM");
-      else Put(cells.RightValue, Pick(GpsDataNames, 9, Settings.GpsDataOption, "N/A"));
+      else Put(cells.RightValue, Pick(GpsDataNames, Settings.GpsDataOption, "N/A"));
       return 1;
     default:
       return 0;
@@ -123,7 +122,7 @@ int GradiometerSummaryCells(int row, SummaryRow& cells) {
       }
       // The gradiometer's pause key stands here, even without the instrument.
       Put(cells.RightLabel, "Pause Key:");
-      Put(cells.RightValue, Pick(PauseKeyNames, 4, Settings.PauseKey, ""));
+      Put(cells.RightValue, Pick(PauseKeyNames, Settings.PauseKey, ""));
       return 1;
     case 3:
       Put(cells.RightLabel, "GPS Input:");
@@ -146,7 +145,7 @@ int GradiometerSummaryCells(int row, SummaryRow& cells) {
 int Lx2SummaryCells(int row, SummaryRow& cells) {
   switch (row) {
     case 1: Em61RowOne(cells, "EM61-LX2 Port:"); return 1;
-    case 2: PutType(cells, "EM61-LX2 Type:", Pick(Lx2TypeNames, 2, Settings.Em61Type, "")); return 1;
+    case 2: PutType(cells, "EM61-LX2 Type:", Pick(Em61TypeShortNames, 4, Settings.Em61Type, "")); return 1;
     case 3:
       Put(cells.RightLabel, "Number of Sensors:");
       PutSensorCount(cells.RightValue);
@@ -158,10 +157,10 @@ int Lx2SummaryCells(int row, SummaryRow& cells) {
 int Em61Mk2SummaryCells(int row, SummaryRow& cells) {
   switch (row) {
     case 1: Em61RowOne(cells, "EM61-MK2 Port:"); return 1;
-    case 2: PutType(cells, "EM61-MK2 Type:", Pick(Em61TypeNames, 4, Settings.Em61Type, "")); return 1;
+    case 2: PutType(cells, "EM61-MK2 Type:", Pick(Em61TypeShortNames, 4, Settings.Em61Type, "")); return 1;
     case 3:
       Put(cells.RightLabel, "Sensor Size:");
-      Put(cells.RightValue, InstrumentOn() ? Pick(SensorSizeNames, 5, Settings.SensorSize, "N/A") : "N/A");
+      Put(cells.RightValue, InstrumentOn() ? Pick(SensorSizeNames, Settings.SensorSize, "N/A") : "N/A");
       return 1;
     default: return 1;
   }
@@ -169,13 +168,13 @@ int Em61Mk2SummaryCells(int row, SummaryRow& cells) {
 
 int Em31SummaryCells(int row, SummaryRow& cells) {
   if (row == 1) return 0;
-  if (row == 2) PutType(cells, "EM31-MK2 Type:", Pick(CoilLengthNames, 2, Settings.CoilLengthType, ""));
+  if (row == 2) PutType(cells, "EM31-MK2 Type:", Pick(CoilLengthTypeNames, Settings.CoilLengthType, ""));
   return 1;
 }
 
 int Em38SummaryCells(int row, SummaryRow& cells) {
   if (row == 1) return 0;
-  if (row == 2) PutType(cells, "EM38 Component:", Em38ComponentNames[Settings.Component == 0 ? 0 : 1]);
+  if (row == 2) PutType(cells, "EM38 Component:", Em38ComponentNames.Items[Settings.Component == 0 ? 0 : 1]);
   return 1;
 }
 
@@ -196,7 +195,7 @@ int Em343SummaryCells(int row, SummaryRow& cells) {
       return 1;
     case 3:
       Put(cells.RightLabel, "Reference:");
-      Put(cells.RightValue, Pick(ReferenceNames, 3, Settings.Em34Reference, ""));
+      Put(cells.RightValue, Pick(CoilReferenceNames, Settings.Em34Reference, ""));
       return 1;
     default: return 1;
   }
@@ -204,6 +203,6 @@ int Em343SummaryCells(int row, SummaryRow& cells) {
 
 int Em38Mk2SummaryCells(int row, SummaryRow& cells) {
   if (row == 1) return 0;
-  if (row == 2) PutType(cells, "EM38-MK2 Type:", Pick(Em38Mk2TypeNames, 2, Settings.Em38Mk2Type, ""));
+  if (row == 2) PutType(cells, "EM38-MK2 Type:", Pick(Em38Mk2TypeShortNames, 2, Settings.Em38Mk2Type, ""));
   return 1;
 }

@@ -11,3 +11,8 @@ void LoadSettings(int mode);
 
 // FrameMs by model, then KeepEveryNth from the sample interval.
 void SampleRateDerived();
+
+// The cursor's box and arm from CursorSize (values outside 0..5 change nothing).
+void CursorSizeDerived();
+// The band along the map's edges where the window scrolls, from CursorBandIndex.
+void CursorBandDerived();

@@ -93,21 +93,6 @@ void TakeStationAuto() {
   Session.CurrentStation = Settings.StartStation;
 }
 
-void DeriveCursorSize() {
-  const int size = Settings.CursorSize;
-  if (size >= 0 && size <= 4) {
-    MapWindow.CursorBoxSize = 2 * size + 7;
-    MapWindow.CursorArmSize = size + 3;
-  } else if (size == 5) {
-    MapWindow.CursorBoxSize = 19;
-    MapWindow.CursorArmSize = 9;
-  }
-}
-
-void DeriveCursorBand() {
-  MapWindow.CursorBandPixels = TruncToInt((Settings.CursorBandIndex * 5.0 + 10.0) * 0.01 * MapWindow.MapWndWidth);
-}
-
 void CopyFilterFactors() {
   Model.FilterFactorPrevLeft = Model.FilterFactorInputLeft = Settings.FilterFactorLeft;
   Model.FilterFactorPrevRight = Model.FilterFactorInputRight = Settings.FilterFactorRight;
@@ -216,7 +201,7 @@ const SettingsRow Rows[SETTING_COUNT] = {
     {ROW_INT, &S.LineDirection, NEED_NONE, nullptr},
     {ROW_DOUBLE, &S.StartStation, NEED_NONE, TakeStationOfMode},
     {ROW_DOUBLE, &S.StartStation, NEED_NONE, TakeStationAuto},
-    {ROW_INT, &S.CursorSize, NEED_NONE, DeriveCursorSize},
+    {ROW_INT, &S.CursorSize, NEED_NONE, CursorSizeDerived},
     {ROW_INT, &S.PositionSize, NEED_NONE, nullptr},
     {ROW_LONG, &S.CursorColor, NEED_NONE, nullptr},
     {ROW_LONG, &S.PositionColor, NEED_NONE, nullptr},
@@ -224,7 +209,7 @@ const SettingsRow Rows[SETTING_COUNT] = {
     {ROW_LONG, &S.MapSize, NEED_NONE, nullptr},
     {ROW_INT, &S.GridType, NEED_NONE, nullptr},
     {ROW_DOUBLE, &S.LinesAngle, NEED_NONE, nullptr},
-    {ROW_INT, &S.CursorBandIndex, NEED_NONE, DeriveCursorBand},
+    {ROW_INT, &S.CursorBandIndex, NEED_NONE, CursorBandDerived},
     {ROW_INT, &S.CoordinateDisplayUnits, NEED_NONE, nullptr},
     {ROW_INT, &S.GpsMaskWarning, NEED_NONE, nullptr},
     {ROW_INT, &S.GpsMaskQuality, NEED_NONE, nullptr},
@@ -484,6 +469,21 @@ void SampleRateDerived() {
   if (Instrument().Link.FrameMs > 0.0) Link.FrameMs = Instrument().Link.FrameMs;
   const int nth = TruncToInt(Settings.SampleInterval * 1000.0 / Link.FrameMs + 0.5);
   Link.KeepEveryNth = nth < 1 ? 1 : nth;
+}
+
+void CursorSizeDerived() {
+  const int size = Settings.CursorSize;
+  if (size >= 0 && size <= 4) {
+    MapWindow.CursorBoxSize = 2 * size + 7;
+    MapWindow.CursorArmSize = size + 3;
+  } else if (size == 5) {
+    MapWindow.CursorBoxSize = 19;
+    MapWindow.CursorArmSize = 9;
+  }
+}
+
+void CursorBandDerived() {
+  MapWindow.CursorBandPixels = TruncToInt((Settings.CursorBandIndex * 5.0 + 10.0) * 0.01 * MapWindow.MapWndWidth);
 }
 
 void ClearSettingsImage() {

@@ -13,11 +13,15 @@
 #include "instruments/em38mk2_calibration.h"
 #include "instruments/em38mk2_reader.h"
 #include "instruments/em38mk2_reading.h"
+#include "instruments/em61_decode.h"
+#include "instruments/em61_link.h"
+#include "instruments/em61_session.h"
 #include "instruments/em_frame_reader.h"
 #include "instruments/em_text_reading.h"
 #include "instruments/grad601_reader.h"
 #include "instruments/grad601_reading.h"
 #include "instruments/link_supervision.h"
+#include "instruments/lx2_alarm.h"
 #include "map/array_footprint.h"
 #include "map/background_files.h"
 #include "map/live_map.h"
@@ -77,6 +81,11 @@ void ResetProgramState() {
   ResetRecord(Mk2Reader);
   ResetRecord(Mk2Handler);
   ResetRecord(OffsetCalibration);
+  ResetRecord(Em61Scale);
+  ResetRecord(Em61Session);
+  ResetRecord(Em61Framer);
+  ResetRecord(WheelFramer);
+  ResetRecord(Lx2Alarm);
   ResetRecord(ProfileMemory);
   ResetRecord(ArrayFootprint);
   ResetMapCanvas();   // releases the pages first

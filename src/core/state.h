@@ -45,6 +45,9 @@ constexpr int TEXT_LINE_CHARS = 16;    // 15 characters and the terminator
 //   instruments/grad601_reader.h: PbarReader        instruments/grad601_reading.h: GradientHandler
 //   instruments/em38mk2_reader.h: Mk2Reader         instruments/em38mk2_reading.h: Mk2Handler
 //   instruments/em38mk2_calibration.h: OffsetCalibration
+//   instruments/em61_decode.h: Em61Scale            instruments/em61_session.h: Em61Session
+//   instruments/em61_link.h:   Em61Framer, WheelFramer
+//   instruments/lx2_alarm.h:   Lx2Alarm (its detection lives on through sessions)
 //   map/array_footprint.h:     ArrayFootprint
 //   map/map_canvas.h:          MapCanvas, TileTable, MapCallPoints
 //   map/live_map.h:            LiveMap, LiveMapCallPoints
@@ -286,6 +289,8 @@ struct DataFileRecord {
   volatile HandleWord DataFile = NO_HANDLE;   // -1 when none; the GPS thread writes through it
   wchar_t DataFilePath[TEXT_PATH_CHARS] = {}; // full path
   wchar_t DataFileName[TEXT_PATH_CHARS] = {}; // shown on the status line
+  volatile int DiskFullSeen = 0;              // a record group did not go in whole [either writer]
+  int DiskFullNoticeShown = 0;                // the operator was told, once for the file
 };
 
 // Size of the map window and the cursor drawn on it [main].

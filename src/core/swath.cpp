@@ -60,15 +60,24 @@ void GradSwathDerived() {
   MapUnitsFromMetres(true);
 }
 
-void SwathForSettingsReader() {
+namespace {
+
+// The swath by the row's rule; `handHeld` is the base of a hand-held coil.
+void SwathByRow(double handHeld) {
   const StoreDescription& store = Instrument().Store;
   switch (store.Swath) {
     case SWATH_GRADIOMETER: GradSwathDerived(); break;
     case SWATH_COIL:
       // A coil base in the row is the array's own; without one the base follows the sensor size.
       if (store.SwathCoilBase > 0.0) SwathEm61Lx2(store.SwathCoilBase);
-      else SwathEm61Mk2(2.0);
+      else SwathEm61Mk2(handHeld);
       break;
     case SWATH_BY_INDEX: SwathByMapIndex(); break;
   }
 }
+
+}  // namespace
+
+void SwathForSettingsReader() { SwathByRow(2.0); }
+
+void SwathForGeometrySetup() { SwathByRow(0.2); }

@@ -30,3 +30,6 @@ void GradSwathDerived();
 // The settings reader's choice: hand-held EM61-MK2 counts 2.0 m there, the
 // EM61-LX2 base is 1.03 m.
 void SwathForSettingsReader();
+
+// Geometry Setup's choice: the same rules, but a hand-held EM61-MK2 counts 0.2 m.
+void SwathForGeometrySetup();

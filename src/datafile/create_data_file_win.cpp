@@ -12,6 +12,7 @@
 #include "instruments/instrument.h"
 #include "core/text.h"
 #include "core/variant.h"
+#include "datafile/data_file_writes.h"
 #include "datafile/file_name.h"
 #include "datafile/records.h"
 
@@ -130,6 +131,7 @@ int CreateDataFile(HWND owner) {
   FileNameOfPath(path, DataFileState.DataFileName, TEXT_PATH_CHARS);
   HANDLE file = OpenForWriting(path, OPEN_ALWAYS);
   DataFileState.DataFile = (HandleWord)file;
+  ForgetDiskFull();
   if (result == DATA_FILE_EXISTING && file != INVALID_HANDLE_VALUE) result = ClassifyExistingFile(file);
   FolderOfPath(path, Settings.DataFolder, TEXT_PATH_CHARS);
   if (result != DATA_FILE_EXISTING) StartFileRecords(result);
@@ -137,7 +139,12 @@ int CreateDataFile(HWND owner) {
 }
 
 void ReopenDataFileAtEnd() {
-  if (DataFileState.DataFile != NO_HANDLE) CloseHandle((HANDLE)DataFileState.DataFile);
+  if (DataFileState.DataFile != NO_HANDLE) {
+    // Closing alone leaves the bytes in the system's cache; a cut of power
+    // must find them on the disk.
+    FlushFileBuffers((HANDLE)DataFileState.DataFile);
+    CloseHandle((HANDLE)DataFileState.DataFile);
+  }
   DataFileState.DataFile = NO_HANDLE;
   HANDLE file = OpenForWriting(DataFileState.DataFilePath, OPEN_ALWAYS);
   DataFileState.DataFile = (HandleWord)file;

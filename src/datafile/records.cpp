@@ -14,6 +14,8 @@
 #include "core/text.h"
 #include "core/ticks.h"
 #include "core/variant.h"
+#include "datafile/header_configuration.h"
+#include "datafile/record_layout.h"
 #include "instruments/instrument.h"
 
 void (*DataFileSink)(const char* bytes, size_t count) = nullptr;
@@ -24,13 +26,10 @@ CalibrationValuesRecord CalibrationValues;
 
 namespace {
 
-constexpr int NAME_IN_H = 10;        // characters of the base name in the "H" record
-constexpr int NAME_IN_L = 10;        // further characters in the "L" records
-constexpr int LINE_NAME_IN_L = 12;
-constexpr int MARKER_TEXT_CHARS = 11;
-constexpr int READING_TEXT_CHARS = 13;
-constexpr int STACKED_TEXT_CHARS = 12;
-constexpr int GRADIENT_TEXT_END = 16;  // the tick's offset in the Grad601 record template
+namespace L = RecordLayout;
+
+constexpr int NAME_IN_H = L::FILE_NAME.Width;          // characters of the base name in the "H" record
+constexpr int MARKER_TEXT_CHARS = L::MARKER_TEXT.Width;
 
 // One record being printed.
 struct RecordText {
@@ -45,8 +44,6 @@ struct RecordGroup {
   int Count;
   int Length;
 };
-
-int TickColumn() { return RecordLength() - 11; }
 
 void BeginRecord(RecordText& record) {
   memset(record.Bytes, 0, sizeof record.Bytes);
@@ -83,27 +80,25 @@ void PadTo(RecordText& record, int column) {
   while (record.Column < column) PutChar(record, ' ');
 }
 
-#if defined(__GNUC__)
-__attribute__((format(printf, 2, 3)))
-#endif
-void PutFormat(RecordText& record, const char* format, ...) {
+// Blanks up to the field's column, then the field by its format.
+void PutField(RecordText& record, RecordField field, ...) {
+  PadTo(record, FieldColumn(field, record.Length));
   // Nothing past a record's end is kept, so a short field buffer suffices.
-  char field[64];
+  char text[64];
   va_list args;
-  va_start(args, format);
-  vsnprintf(field, sizeof field, format, args);
+  va_start(args, field);
+  vsnprintf(text, sizeof text, field.Format, args);
   va_end(args);
-  PutText(record, field);
+  PutText(record, text);
 }
 
-void PutTick(RecordText& record, uint32_t tick) {
-  PadTo(record, TickColumn());
-  PutFormat(record, "%10lu", (unsigned long)tick);
+// Text of at most the field's width, blank padded to it.
+void PutTextField(RecordText& record, const RecordField& field, const char* text) {
+  PadTo(record, FieldColumn(field, record.Length));
+  PutPadded(record, text, field.Width);
 }
 
-void PutClockTime(RecordText& record, const LocalTime& time) {
-  PutFormat(record, "%02d:%02d:%02d.%03d", time.Hour, time.Minute, time.Second, time.Milliseconds);
-}
+void PutTick(RecordText& record, uint32_t tick) { PutField(record, L::TICK, (unsigned long)tick); }
 
 // Blanks behind the text, the line feed last.
 void EndRecord(RecordText& record) {
@@ -144,13 +139,6 @@ void SendOne(RecordText& record) {
 
 // ---------------------------------------------------------------- header
 
-// The nine characters of the signature, with the instrument's own marks.
-void MakeSignature(char signature[10]) {
-  const DataFileDescription& file = Instrument().DataFile;
-  memcpy(signature, IsNavigation() ? file.NavigationSignature : file.MappingSignature, 10);
-  if (file.SignatureMarks) file.SignatureMarks(signature);
-}
-
 // The program's version without its point: "2.26" gives "226".
 void MakeVersionDigits(char digits[4]) {
   const char* version = VariantVersion();
@@ -162,9 +150,10 @@ void MakeVersionDigits(char digits[4]) {
 
 // Columns 15 to 25 of record 1.
 void PutConfiguration(RecordText& record) {
-  PutFormat(record, "%1d", Settings.MapUnits);
+  PutField(record, L::MAP_UNITS, Settings.MapUnits);
   char columns[16];
-  Instrument().DataFile.HeaderConfiguration(columns, sizeof columns);
+  PrintHeaderConfiguration(*Instrument().DataFile.HeaderConfiguration, columns, sizeof columns);
+  PadTo(record, L::CONFIGURATION_COLUMN);
   PutText(record, columns);
 }
 
@@ -173,30 +162,30 @@ void AddSignatureRecord(RecordGroup& group, int appendFlag) {
   BeginRecord(record);
   char signature[10];
   char version[4];
-  MakeSignature(signature);
+  FileSignature(signature);
   MakeVersionDigits(version);
   if (appendFlag == 1 && !IsNavigation()) signature[0] = 'r';
-  PutText(record, signature);
-  PutText(record, version);
-  PutText(record, Settings.GpsInput != 0 ? "GPS" : "GRD");
+  PutTextField(record, L::SIGNATURE, signature);
+  PutTextField(record, L::VERSION, version);
+  PutTextField(record, L::GPS_WORD, Settings.GpsInput != 0 ? "GPS" : "GRD");
   PutConfiguration(record);
   AddToGroup(group, record);
 }
 
 void PutSurveyParameter(RecordText& record) {
   if (Instrument().DataFile.GradientSeparationInHeader) {
-    PutFormat(record, "%5.2f  ", Settings.SensorSeparation);
+    PutField(record, L::SENSOR_SEPARATION, Settings.SensorSeparation);
     return;
   }
   if (Settings.SurveyMode == SURVEY_WHEEL) {
-    PutFormat(record, "%7.3f", Settings.StationIncrementWheel);
+    PutField(record, L::SURVEY_PARAMETER, Settings.StationIncrementWheel);
   } else if (Settings.SurveyMode == SURVEY_MANUAL) {
     if (Instrument().DataFile.ManualSamplesInHeader)
-      PutFormat(record, "%7d", Settings.Em34SamplesPerReading);
+      PutField(record, L::SAMPLES_PER_READING, Settings.Em34SamplesPerReading);
     else
-      PutFormat(record, "%7.3f", Settings.StationIncrementManual);
+      PutField(record, L::SURVEY_PARAMETER, Settings.StationIncrementManual);
   } else {
-    PutFormat(record, "%7.3f", Settings.SampleInterval);
+    PutField(record, L::SURVEY_PARAMETER, Settings.SampleInterval);
   }
 }
 
@@ -204,10 +193,9 @@ void AddNameRecord(RecordGroup& group) {
   RecordText record;
   BeginRecord(record);
   PutChar(record, 'H');
-  PutPadded(record, DataFileNames.BaseName, NAME_IN_H);
+  PutTextField(record, L::FILE_NAME, DataFileNames.BaseName);
   PutSurveyParameter(record);
-  PutBlanks(record, 2);
-  PutFormat(record, "%4d", 0);
+  PutField(record, L::NAME_RECORD_COUNT, 0);
   AddToGroup(group, record);
 }
 
@@ -215,21 +203,28 @@ void AddGpsConfigurationRecord(RecordGroup& group) {
   RecordText record;
   BeginRecord(record);
   PutChar(record, 'G');
-  PutFormat(record, "%7.3f%7.3f", Settings.GpsOffsetX, Settings.GpsOffsetY);
-  if (Instrument().DataFile.FastLinkInGpsRecord) PutFormat(record, "%1d", (int)Link.Em61FastLink);
+  PutField(record, L::OFFSET_X, Settings.GpsOffsetX);
+  PutField(record, L::OFFSET_Y, Settings.GpsOffsetY);
+  if (Instrument().DataFile.FastLinkInGpsRecord) PutField(record, L::FAST_LINK, (int)Link.Em61FastLink);
   else PutChar(record, ' ');
-  PutFormat(record, "7%1d%1d%1d%1d", Settings.RtsUnits, Settings.PseudoGgaSlam, Settings.GpsDataOption,
-            Settings.GpsInput);
+  PutField(record, L::GPS_CONSTANT);
+  PutField(record, L::RTS_UNITS, Settings.RtsUnits);
+  PutField(record, L::RTS_BOX, Settings.PseudoGgaSlam);
+  PutField(record, L::GPS_OPTION, Settings.GpsDataOption);
+  PutField(record, L::GPS_ENABLED, Settings.GpsInput);
   AddToGroup(group, record);   // the installation stamp stays blank
 }
 
 void AddFirstPositionRecords(RecordGroup& group) {
   RecordText record;
   BeginRecord(record);
-  PutFormat(record, "G%14.3f %02d", Position.FirstPositionEasting, Position.FileUtmZone);
+  PutChar(record, 'G');
+  PutField(record, L::FIRST_EASTING, Position.FirstPositionEasting);
+  PutField(record, L::UTM_ZONE, Position.FileUtmZone);
   AddToGroup(group, record);
   BeginRecord(record);
-  PutFormat(record, "G%14.3f", Position.FirstPositionNorthing);
+  PutChar(record, 'G');
+  PutField(record, L::FIRST_NORTHING, Position.FirstPositionNorthing);
   AddToGroup(group, record);
 }
 
@@ -237,7 +232,8 @@ void AddHeaderZeroLevelRecords(RecordGroup& group) {
   for (double level : CalibrationValues.ZeroLevels) {
     RecordText record;
     BeginRecord(record);
-    PutFormat(record, "O%9.2f", level);
+    PutChar(record, 'O');
+    PutField(record, L::CALIBRATION_VALUE, level);
     AddToGroup(group, record);
   }
 }
@@ -246,8 +242,10 @@ void AddEm38Mk2CalibrationRecords(RecordGroup& group) {
   for (int i = 0; i < 6; ++i) {
     RecordText record;
     BeginRecord(record);
-    PutFormat(record, "O%1d%10.3f %10.3f", i + 1, CalibrationValues.Em38Mk2Offsets[i],
-              CalibrationValues.Em38Mk2PreviousOffsets[i]);
+    PutChar(record, 'O');
+    PutField(record, L::OFFSET_NUMBER, i + 1);
+    PutField(record, L::OFFSET_VALUE, CalibrationValues.Em38Mk2Offsets[i]);
+    PutField(record, L::OFFSET_PREVIOUS, CalibrationValues.Em38Mk2PreviousOffsets[i]);
     AddToGroup(group, record);
   }
 }
@@ -258,12 +256,13 @@ void AddCalibrationRecord(RecordGroup& group, char tag, double value, int withSe
   RecordText record;
   BeginRecord(record);
   PutChar(record, tag);
-  PutFormat(record, "%9.2f ", value);
-  if (withSecond) PutFormat(record, "%9.2f    ", second);
-  else PutBlanks(record, 13);
+  PutField(record, L::CALIBRATION_VALUE, value);
+  if (withSecond) PutField(record, L::CALIBRATION_PREVIOUS, second);
+  else PutBlanks(record, 1);
   PadTo(record, record.Length - 1);
-  SetColumn(record, record.Length - 3, ' ');
-  SetColumn(record, record.Length - 2, '1');
+  const int mark = FieldColumn(L::CALIBRATION_MARK, record.Length);
+  SetColumn(record, mark - 1, ' ');
+  SetColumn(record, mark, L::CALIBRATION_MARK.Format[0]);
   AddToGroup(group, record);
 }
 
@@ -284,11 +283,11 @@ void AddLineNameRecord(RecordGroup& group) {
   char line[TEXT_LINE_CHARS];
   NarrowText(Settings.SurveyLine, line, TEXT_LINE_CHARS);
   PutChar(record, 'L');
-  PutPadded(record, line, LINE_NAME_IN_L);
+  PutTextField(record, L::LINE_NAME, line);
   if (DataFileNames.NameContinues) {
     const char* name = DataFileNames.BaseName;
     size_t length = strnlen(name, sizeof DataFileNames.BaseName);
-    if (length > (size_t)NAME_IN_H) PutPadded(record, name + NAME_IN_H, NAME_IN_L);
+    if (length > (size_t)NAME_IN_H) PutTextField(record, L::NAME_CONTINUED, name + NAME_IN_H);
   }
   AddToGroup(group, record);
 }
@@ -296,7 +295,8 @@ void AddLineNameRecord(RecordGroup& group) {
 void AddBeginStationRecord(RecordGroup& group) {
   RecordText record;
   BeginRecord(record);
-  PutFormat(record, "B%11.2f", Settings.StartStation);
+  PutChar(record, 'B');
+  PutField(record, L::BEGIN_STATION, Settings.StartStation);
   AddToGroup(group, record);
 }
 
@@ -306,8 +306,7 @@ void AddAttributesRecord(RecordGroup& group) {
   int direction = Settings.LineDirection;
   PutChar(record, 'A');
   PutChar(record, direction >= 0 && direction <= 3 ? LineDirectionLetters[direction] : ' ');
-  PutBlanks(record, 6);
-  PutFormat(record, "%11.3f", Session.StationIncrement);
+  PutField(record, L::STATION_INCREMENT, Session.StationIncrement);
   SkipColumn(record);   // the print's terminating zero stays in the file; readers count columns
   AddToGroup(group, record);
 }
@@ -315,8 +314,11 @@ void AddAttributesRecord(RecordGroup& group) {
 void AddDateRecord(RecordGroup& group, const LocalTime& time) {
   RecordText record;
   BeginRecord(record);
-  PutFormat(record, "Z%02d%02d%04d %02d:%02d:%02d", time.Day, time.Month, time.Year, time.Hour, time.Minute,
-            time.Second);
+  PutChar(record, 'Z');
+  PutField(record, L::DATE_DAY, time.Day);
+  PutField(record, L::DATE_MONTH, time.Month);
+  PutField(record, L::DATE_YEAR, time.Year);
+  PutField(record, L::DATE_CLOCK, time.Hour, time.Minute, time.Second);
   AddToGroup(group, record);
 }
 
@@ -333,7 +335,7 @@ void PutGradientText(RecordText& record, const unsigned char* frame) {
   int end = 0;
   while (end < FRAME_BUFFER_BYTES && frame[end]) ++end;
   for (int i = 0; i < end && i < 2; ++i) PutChar(record, (char)frame[i]);
-  for (int i = 5; i < end && record.Column < GRADIENT_TEXT_END; ++i) PutChar(record, (char)frame[i]);
+  for (int i = 5; i < end && record.Column < L::GRADIENT_TEXT.Width; ++i) PutChar(record, (char)frame[i]);
 }
 
 void PutReadingText(RecordText& record, const unsigned char* frame) {
@@ -347,15 +349,21 @@ void PutReadingText(RecordText& record, const unsigned char* frame) {
     case RECORD_FRAME_TEXT: {
       int length = Link.FrameLength;
       if (length < 0) length = 0;
-      if (length > READING_TEXT_CHARS) length = READING_TEXT_CHARS;
+      if (length > L::READING_TEXT.Width) length = L::READING_TEXT.Width;
       PutBytes(record, frame, length);
-      PadTo(record, READING_TEXT_CHARS);
+      PadTo(record, L::READING_TEXT.Width);
       break;
     }
   }
 }
 
 }  // namespace
+
+void FileSignature(char signature[10]) {
+  const DataFileDescription& file = Instrument().DataFile;
+  memcpy(signature, IsNavigation() ? file.NavigationSignature : file.MappingSignature, 10);
+  if (file.SignatureMarks) file.SignatureMarks(signature);
+}
 
 int RecordLength() {
   return IsNavigation() && Instrument().DataFile.ShortNavigationRecords ? 24 : RECORD_LENGTH_LONGEST;
@@ -394,7 +402,7 @@ void WriteTimeRecord() {
   RecordText record;
   BeginRecord(record);
   PutChar(record, '*');
-  PutClockTime(record, now);
+  PutField(record, L::CLOCK_TIME, now.Hour, now.Minute, now.Second, now.Milliseconds);
   PutTick(record, TickNow());
   SendOne(record);
 }
@@ -403,8 +411,9 @@ void WriteStationRecord() {
   LocalTime now = LocalTimeNow();
   RecordText record;
   BeginRecord(record);
-  PutFormat(record, "S%11.2f  ", Session.CurrentStation);
-  PutClockTime(record, now);
+  PutChar(record, 'S');
+  PutField(record, L::STATION, Session.CurrentStation);
+  PutField(record, L::STATION_CLOCK, now.Hour, now.Minute, now.Second, now.Milliseconds);
   SendOne(record);
 }
 
@@ -414,7 +423,7 @@ void WriteMarkerRecord(const wchar_t* text, char tag) {
   RecordText record;
   BeginRecord(record);
   PutChar(record, tag);
-  PutPadded(record, narrow, MARKER_TEXT_CHARS);
+  PutTextField(record, L::MARKER_TEXT, narrow);
   PutTick(record, TickNow());
   SendOne(record);
 }
@@ -422,7 +431,7 @@ void WriteMarkerRecord(const wchar_t* text, char tag) {
 void WriteGpsRecords(const char* text, uint32_t tick, char firstTag, char furtherTag, char endTag, char flag) {
   if (tick < GpsLink.SessionStartTick) return;
   if (!text) text = "";
-  int width = RecordLength() - 2;
+  const int width = FieldEnd(L::SENTENCE_SLICE, RecordLength()) - L::SENTENCE_SLICE.Column;
   int length = (int)strnlen(text, GPS_TEXT_LIMIT);
   RecordGroup group;
   BeginGroup(group);
@@ -445,11 +454,18 @@ void WriteGpsRecords(const char* text, uint32_t tick, char firstTag, char furthe
   } while (start < length);
   BeginRecord(record);
   PutChar(record, endTag);
-  PutFormat(record, "%06ld", (long)GpsLink.GpsSequenceNumber);
+  PutField(record, L::SEQUENCE, (long)GpsLink.GpsSequenceNumber);
+  PadTo(record, L::SENTENCE_FLAG.Column);
   PutChar(record, flag ? flag : ' ');
   PutTick(record, tick);
   AddToGroup(group, record);
   SendGroup(group);
+}
+
+double CornerAsRecorded(double value) {
+  char text[400];
+  snprintf(text, sizeof text, "%14.3f", value);
+  return AsciiToDouble(text);
 }
 
 void WriteSwathCorners(char tag, int set, double x1, double y1, double x2, double y2) {
@@ -459,7 +475,8 @@ void WriteSwathCorners(char tag, int set, double x1, double y1, double x2, doubl
   if (set == 0) {
     BeginRecord(record);
     PutChar(record, tag);
-    PutFormat(record, "0%14.3f", 0.0);
+    PutChar(record, '0');
+    PutField(record, L::CORNER_VALUE, 0.0);
     AddToGroup(group, record);
   } else if (set >= 1 && set <= 3) {
     const double values[4] = {x1, y1, x2, y2};
@@ -467,7 +484,7 @@ void WriteSwathCorners(char tag, int set, double x1, double y1, double x2, doubl
       BeginRecord(record);
       PutChar(record, tag);
       PutChar(record, (char)(93 + 4 * set + k));
-      PutFormat(record, "%14.3f", values[k]);
+      PutField(record, L::CORNER_VALUE, values[k]);
       AddToGroup(group, record);
     }
   }
@@ -493,7 +510,7 @@ void WriteStackedReadingRecords() {
   for (int i = 0; i < count; ++i) {
     RecordText record;
     BeginRecord(record);
-    PutBytes(record, ManualStation.Frames[i], STACKED_TEXT_CHARS);
+    PutBytes(record, ManualStation.Frames[i], L::STACKED_TEXT.Width);
     PutTick(record, ManualStation.Ticks[i]);
     AddToGroup(group, record);
   }

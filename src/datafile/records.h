@@ -14,6 +14,9 @@ extern void (*DataFileSink)(const char* bytes, size_t count);
 void InstallDataFileSink();
 
 int RecordLength();   // 27, or 24 in the navigation product with the EM31-MK2
+// The nine characters of record 1's signature, with the instrument's marks
+// of the settings, and a terminating zero.
+void FileSignature(char signature[10]);
 
 constexpr int RECORD_LENGTH_LONGEST = 27;
 constexpr int RECORD_BUFFER_BYTES = 30;     // a record is built in a zeroed buffer of this size
@@ -59,6 +62,9 @@ void WriteMarkerRecord(const wchar_t* text, char tag);
 void WriteGpsRecords(const char* text, uint32_t tick, char firstTag, char furtherTag, char endTag,
                      char flag);
 void WriteSwathCorners(char tag, int set, double x1, double y1, double x2, double y2);
+// A corner's value as its record holds it ("%14.3f") and a replay reads it
+// back: the map draws footprint lines from these, live and replayed alike.
+double CornerAsRecorded(double value);
 
 // The reading record of the current frame in FrameBuffer. Its tick is
 // LastReadingTick, or LastByteTick for the EM61 family and the Grad601.

@@ -29,14 +29,14 @@ namespace {
 
 constexpr double FALSE_NORTHING_SOUTH = 10000000.0;
 
+}  // namespace
+
 int ZoneOfLongitude(double longitude) {
   const double zone = std::floor(longitude / 6.0) + 31.0;
   if (!(zone >= 1.0)) return 1;
   if (zone > 60.0) return 60;
   return TruncToInt(zone);
 }
-
-}  // namespace
 
 void LatLonToUtm(double latitude, double longitude, int* zone, double* northing,
                  double* easting, int useGivenZone) {

@@ -31,6 +31,9 @@ constexpr int NO_UTM_ZONE = -9;
 void LatLonToUtm(double latitude, double longitude, int* zone, double* northing,
                  double* easting, int useGivenZone);
 
+// The zone a longitude falls in: floor(longitude / 6) + 31, limited to 1 to 60.
+int ZoneOfLongitude(double longitude);
+
 // Two zones are compatible when equal or next to each other; 1 and 60 are
 // neighbours across the date line.
 bool UtmZonesCompatible(int a, int b);

@@ -58,7 +58,9 @@ void CopyPrefix(const char* from, int count, char* to, int capacity) {
   to[n] = 0;
 }
 
-const char* QualityText(char first) {
+}  // namespace
+
+const char* GpsQualityText(char first) {
   static const char* const RtkTexts[] = {"RTK3", "RTK4", "RTK5", "RTK6", "RTK7", "RTK8", "RTK9"};
   if (first == '0') return "NO FIX";
   if (first == '1') return "AGPS";
@@ -66,6 +68,8 @@ const char* QualityText(char first) {
   if (first >= '3' && first <= '9') return RtkTexts[first - '3'];
   return "UNKW";
 }
+
+namespace {
 
 void DecodeSatellites(Decoding& d, const char* field) {
   GpsQuality.Satellites = AsciiToInt(field);
@@ -82,7 +86,7 @@ void DecodeQuality(Decoding& d, const char* field, int found) {
   if (option == OPTION_POS && q < 2147483647) q = q + 1;
   if ((option == OPTION_GGA_GSA || option == OPTION_GGA) && q == 0) d.Fix->Valid = false;
   GpsQuality.Quality = q;
-  if (found) SetFieldText(d.Texts->Quality, QualityText(field[0]), 0);
+  if (found) SetFieldText(d.Texts->Quality, GpsQualityText(field[0]), 0);
 }
 
 void DecodeHemisphere(Decoding& d, const char* field, bool latitude) {

@@ -56,6 +56,10 @@ extern const char* const NO_POSITION_TEXT;
 // Decodes `GpsSentence` into `fix` and `GpsQuality`, with the texts to show.
 void ParseNmeaFix(GpsFix& fix, GpsScreenTexts& texts);
 
+// The text of the quality field by its first character, raw: "NO FIX",
+// "AGPS", "DGPS", "RTK3" to "RTK9", else "UNKW".
+const char* GpsQualityText(char first);
+
 // Seconds of the day from a time field "hhmmss.sss"; no date, so 0 at midnight.
 double UtcSecondsOf(const char* timeField);
 

@@ -39,18 +39,9 @@ void WriteBadLine(uint32_t tick) {
           GPS_FLAG_BLANK);
 }
 
-int ChecksumMatches(const char* line) {
-  const char* star = strchr(line, '*');
-  if (!star) return 0;
-  unsigned sum = 0;
-  for (const char* c = line + 1; c < star; ++c) sum ^= (unsigned char)*c;
-  return ReadHexNumber(star + 1) == sum ? 1 : 0;
-}
-
-bool HoldsKey(const char* sentence) { return strstr(sentence, GpsFormat.Key) != nullptr; }
-bool IsGsaOfOptionZero(const char* sentence) {
-  return Settings.GpsDataOption == 0 && strstr(sentence, "GSA") != nullptr;
-}
+int ChecksumMatches(const char* line) { return SentenceChecksumMatches(line); }
+bool HoldsKey(const char* sentence) { return SentenceHoldsKey(sentence); }
+bool IsGsaOfOptionZero(const char* sentence) { return SentenceIsGsaOfOptionZero(sentence); }
 
 // The key sentence in Auto or Wheel: every one goes to the file while logging,
 // about one a second goes on to the map.
@@ -192,6 +183,20 @@ void SortLine(uint32_t now) {
 }
 
 }  // namespace
+
+int SentenceChecksumMatches(const char* line) {
+  const char* star = strchr(line, '*');
+  if (!star) return 0;
+  unsigned sum = 0;
+  for (const char* c = line + 1; c < star; ++c) sum ^= (unsigned char)*c;
+  return ReadHexNumber(star + 1) == sum ? 1 : 0;
+}
+
+bool SentenceHoldsKey(const char* sentence) { return strstr(sentence, GpsFormat.Key) != nullptr; }
+
+bool SentenceIsGsaOfOptionZero(const char* sentence) {
+  return Settings.GpsDataOption == 0 && strstr(sentence, "GSA") != nullptr;
+}
 
 uint32_t ReadHexNumber(const char* text) {
   const char* c = text;

@@ -83,3 +83,11 @@ int GpsSilenceDue(uint32_t now);
 // 32-bit target: optional sign and "0x", stops at the first non-digit, no
 // digits give 0, too large a number gives the largest value.
 uint32_t ReadHexNumber(const char* text);
+
+// The checks of a complete line, as the receiver sorts it (and as a reader
+// of the data file sorts the sentences it finds there): the checksum from
+// behind the '$' up to the '*' against the hexadecimal number behind it;
+// the option's key anywhere in the sentence; a GSA with option 0.
+int SentenceChecksumMatches(const char* line);
+bool SentenceHoldsKey(const char* sentence);
+bool SentenceIsGsaOfOptionZero(const char* sentence);

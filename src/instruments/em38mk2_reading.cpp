@@ -8,7 +8,6 @@
 #include "instruments/em38mk2_calibration.h"
 #include "instruments/em38mk2_decode.h"
 #include "instruments/reading.h"
-#include "instruments/reading_steps.h"
 #include "map/colour_scale.h"
 #include "map/profile_views.h"
 
@@ -52,14 +51,6 @@ char SettingDipole() { return Settings.DipoleMode == 1 ? 'H' : 'V'; }
 
 void ResetMk2Handler() { Mk2Handler = Mk2HandlerRecord(); }
 
-int NextLogGate(int logGate, char marker, int surveyMode) {
-  if (marker == 'M') {
-    if (surveyMode != SURVEY_MANUAL) return 1;
-    return logGate == 0 ? 1 : -1;
-  }
-  return surveyMode == SURVEY_MANUAL ? 0 : 1;
-}
-
 void Mk2Numbers(ReadingOutcome& out, const Mk2Reading& r) {
   const char d = r.Dipole;
   const char lower = (char)(d - 'A' + 'a');
@@ -86,7 +77,8 @@ void HandleMk2Reading(ReadingOutcome& out) {
     Link.FrameBuffer[0] = 0;
     return;
   }
-  Mk2Handler.LogGate = NextLogGate(Mk2Handler.LogGate, r.Marker, Session.SurveyModeCurrent);
+  Mk2Handler.LogGate = NextLogGate(Mk2Handler.LogGate, r.Marker == 'M' ? 1 : 0,
+                                  Session.SurveyModeCurrent == SURVEY_MANUAL ? 1 : 0);
   StripPositions(out);
   if (Session.SessionState == SESSION_LOGGING && Mk2Handler.LogGate == 1) {
     AddColour(r);

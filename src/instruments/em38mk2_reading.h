@@ -15,10 +15,6 @@ extern Mk2HandlerRecord Mk2Handler;
 
 void ResetMk2Handler();
 
-// The logging decision of a reading with its marker letter in `surveyMode`:
-// a marker logs one reading per press in Manual mode, every reading otherwise.
-int NextLogGate(int logGate, char marker, int surveyMode);
-
 // The numbers panel: "C%c: %8.2f", "I%c:  %8.2f", and with both coils
 // "c%c: %8.2f", "i%c:  %8.2f" with the dipole letter lowered; the warning
 // when the dipole differs from the setting.

@@ -7,11 +7,12 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "datafile/records.h"
+#include "datafile/replay_map.h"
 #include "gps/nmea_receiver.h"
 #include "gps/reading_bucket.h"
 #include "instruments/instrument.h"
+#include "instruments/record_reading.h"
 #include "instruments/reading.h"
-#include "instruments/reading_steps.h"
 #include "map/array_footprint.h"
 #include "map/colour_scale.h"
 #include "map/live_map.h"
@@ -209,7 +210,7 @@ void HandleTextReading(ReadingOutcome& out, EmStatusForm form) {
   EmReading r;
   EmDecodeFrame(Link.FrameBuffer, length, form, DecodeSettings(), r);
   const int status = HandlerStatus(Link.FrameBuffer[1]);
-  s.LogGate = NextLogGate(s.LogGate, status, Manual() ? 1 : 0);
+  s.LogGate = NextLogGate(s.LogGate, status >= 64 ? 1 : 0, Manual() ? 1 : 0);
   StripPositions(out, r, form);
 
   if (form == STATUS_EM34) {
@@ -246,12 +247,6 @@ void HandleTextReading(ReadingOutcome& out, EmStatusForm form) {
 void ResetEmReadingState() {
   EmReadingState = EmReadingStateRecord();
   ManualStation = ManualStationRecord();
-}
-
-int NextLogGate(int gate, int status, int manual) {
-  if (status < 64) return manual ? 0 : 1;
-  if (!manual) return 1;
-  return gate == 0 ? 1 : -1;
 }
 
 void FormatStationLine(int number, char dipole, int separation, int gain, double value, char* out, int capacity) {
@@ -297,4 +292,88 @@ void FinishManualStation(int accepted, ReadingOutcome& out) {
   for (int& separation : s.StationSeparations) separation = 0;
   s.StationLineCount = 0;
   ReadingCountText(out);
+}
+
+// ---------------------------------------------------------------- replay
+// A reading record holds the frame as it arrived, blank padded to 12
+// characters; stacked readings of a Manual station carry '2' to '6' in
+// place of the 'T', which the decoder does not look at.
+
+namespace {
+
+constexpr int RECORD_FRAME_LENGTH = 12;
+
+// The replayed image takes the view's value on its scale. The EM38 keeps
+// only readings of the dipole shown, on the inphase scale when the survey
+// measures the inphase: where the live image shows a gap, the replay joins.
+int ReplayEntry(const unsigned char* record, EmStatusForm form, int32_t& entry) {
+  EmReading r;
+  EmDecodeFrame(record, RECORD_FRAME_LENGTH, form, DecodeSettings(), r);
+  const int mode = Settings.MapDisplayMode;
+  if (form == STATUS_EM38) {
+    if ((r.Dipole == 'V' ? 0 : 1) != Settings.DipoleMode) return 0;
+    entry = ReplayColourClass(r.Conductivity, Settings.Component == 1 ? 1 : 0);
+    return 1;
+  }
+  entry = ReplayColourClass(mode == 2 ? r.Inphase : r.Conductivity, SecondScaleForMapMode(mode) ? 1 : 0);
+  return 1;
+}
+
+// A 'T' has a column of its own; the stacked readings that follow it stand
+// in its column.
+int ReplayProfile(const unsigned char* record, EmStatusForm form, ReadingOutcome& out) {
+  const int tag = record[0];
+  const bool stacked = tag >= '2' && tag <= '6';
+  if (tag != 'T' && !stacked) return 0;
+  EmReading r;
+  EmDecodeFrame(record, RECORD_FRAME_LENGTH, form, DecodeSettings(), r);
+  StripPositions(out, r, form);
+  return stacked ? PROFILE_SHARED_COLUMN : PROFILE_OWN_COLUMN;
+}
+
+// The values a record carries, and the lag of the EM34-3's coil pair.
+int RecordValuesOf(const unsigned char* record, EmStatusForm form, RecordReading& out) {
+  const int tag = record[0];
+  const bool stacked = tag >= '2' && tag <= '6';
+  if (tag != 'T' && !stacked) return 0;
+  EmReading r;
+  EmDecodeFrame(record, RECORD_FRAME_LENGTH, form, DecodeSettings(), r);
+  for (int c = 0; c < READING_CHANNELS && c < RECORD_READING_VALUES; ++c) {
+    out.Values[c] = r.Values[c];
+    out.Valid[c] = r.Valid[c];
+  }
+  out.Marker = r.Marker == 'M' ? 1 : 0;
+  out.Stacked = stacked ? 1 : 0;
+  if (form == STATUS_EM34) out.LagMetres = Em34SensorLag(Settings.GpsOffsetY, Settings.Em34Reference, r.Separation);
+  return 1;
+}
+
+}  // namespace
+
+const char* const EmCoilValueNames[4] = {"C_V [mS/m]", "C_H [mS/m]", "I_V [ppt]", "I_H [ppt]"};
+const char* const Em34ValueNames[6] = {"C_V10 [mS/m]", "C_V20 [mS/m]", "C_V40 [mS/m]",
+                                       "C_H10 [mS/m]", "C_H20 [mS/m]", "C_H40 [mS/m]"};
+
+double Em34SensorLag(double offsetY, int reference, int separation) {
+  const double half = separation / 2.0;
+  if (reference == 0) return offsetY + half;
+  if (reference == 1) return -half - offsetY;
+  return offsetY;
+}
+
+int Em31RecordValues(const unsigned char* record, RecordReading& out) { return RecordValuesOf(record, STATUS_EM31, out); }
+int Em38RecordValues(const unsigned char* record, RecordReading& out) { return RecordValuesOf(record, STATUS_EM38, out); }
+int Em34RecordValues(const unsigned char* record, RecordReading& out) { return RecordValuesOf(record, STATUS_EM34, out); }
+
+int ReplayEm31ColourEntry(const unsigned char* record, int32_t& entry) { return ReplayEntry(record, STATUS_EM31, entry); }
+int ReplayEm38ColourEntry(const unsigned char* record, int32_t& entry) { return ReplayEntry(record, STATUS_EM38, entry); }
+int ReplayEm34ColourEntry(const unsigned char* record, int32_t& entry) { return ReplayEntry(record, STATUS_EM34, entry); }
+int ReplayEm31ProfileReading(const unsigned char* record, ReadingOutcome& out) {
+  return ReplayProfile(record, STATUS_EM31, out);
+}
+int ReplayEm38ProfileReading(const unsigned char* record, ReadingOutcome& out) {
+  return ReplayProfile(record, STATUS_EM38, out);
+}
+int ReplayEm34ProfileReading(const unsigned char* record, ReadingOutcome& out) {
+  return ReplayProfile(record, STATUS_EM34, out);
 }

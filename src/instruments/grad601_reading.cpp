@@ -6,7 +6,6 @@
 #include "gps/reading_bucket.h"
 #include "instruments/instrument.h"
 #include "instruments/reading.h"
-#include "instruments/reading_steps.h"
 #include "map/colour_scale.h"
 #include "map/profile_views.h"
 
@@ -41,8 +40,6 @@ int TickDue() {
   return due;
 }
 
-constexpr const char* SENSOR_LABELS[2] = {"G #1:", "G #2:"};
-
 // One scale for both sensors; each sensor's curve in its window with its
 // own pen, and its bar. The curves step on only while Logging.
 void StripPositions(ReadingOutcome& out, const GradientValues& g, int two, int logging) {
@@ -54,16 +51,14 @@ void StripPositions(ReadingOutcome& out, const GradientValues& g, int two, int l
   out.ProfileStep = logging;
 }
 
-// "%10.1f" of each sensor a line apart, right-aligned, after its label.
+// "%10.1f" of each sensor a line apart, right-aligned beside the row's labels.
 void Numbers(ReadingOutcome& out, const GradientValues& g, int two) {
   const double values[2] = {g.G1, g.G2};
   out.NumbersShown = 1;
-  out.NumbersRightAligned = 1;
+  out.NumbersLabelled = 1;
   out.NumberLineCount = two ? 2 : 1;
-  for (int sensor = 0; sensor < out.NumberLineCount; ++sensor) {
-    out.NumberLabels[sensor] = SENSOR_LABELS[sensor];
+  for (int sensor = 0; sensor < out.NumberLineCount; ++sensor)
     FormatNarrow(out.NumberLines[sensor], OUTCOME_TEXT, "%10.1f", values[sensor]);
-  }
 }
 
 }  // namespace

@@ -12,8 +12,11 @@
 
 struct SummaryRow;
 struct ModelStatusTexts;
+struct ChoiceList;
 struct ReadingOutcome;
 struct LinkPort;
+struct HeaderColumns;
+struct RecordReading;
 
 // How the instrument talks on its serial line.
 enum LinkForm {
@@ -111,10 +114,30 @@ struct LinkDescription {
   int (*CheckLink)(const LinkPort& port);
 };
 
+// Places of a replayed reading in the profile.
+constexpr int PROFILE_OWN_COLUMN = 1;
+constexpr int PROFILE_SHARED_COLUMN = 2;
+
 // The reading handler on the main thread.
 struct ReadingDescription {
   void (*Handle)(ReadingOutcome& out);   // nullptr: readings are not yet handled
   void (*StartSession)();                // the handler's own state at a session's start, nullptr for none
+  // A reading record of the data file (its text cut at the line feed) met
+  // by the map's replay: the entry it gives the colour image in the view
+  // shown; 0 when it gives none.
+  int (*ReplayColourEntry)(const unsigned char* record, int32_t& entry);
+  // The same met by the profile's replay: its curves into `out` as a live
+  // reading gives them. Returns its place: PROFILE_OWN_COLUMN, or
+  // PROFILE_SHARED_COLUMN for a reading drawn in the column of the one
+  // before it (a Manual station's stacked readings); 0 when it is no
+  // reading of the profile.
+  int (*ReplayProfileReading)(const unsigned char* record, ReadingOutcome& out);
+  // The same met by the export: its values by sensor into `out`, with the
+  // calibration the file holds at that place; 0 when it is no reading.
+  int (*RecordValues)(const unsigned char* record, RecordReading& out);
+  // The values of one sensor, named with their units, in the order of `out`.
+  const char* const* ValueNames;
+  int ValueCount;
 };
 
 // Channels, scales and the views.
@@ -155,9 +178,13 @@ struct ViewDescription {
   const char* MapTitles[4];
   const char* ReviewTitles[4];
   int TitleBySelection;
-  // Templates of "Sc&ale Readings" and "Pr&ofile Display Options".
+  // Template of "Sc&ale Readings" ("Pr&ofile Display Options" is the Setup row's profiles template).
   const wchar_t* ScaleDialog;
-  const wchar_t* DisplayDialog;
+  // Labels of the channel values in the numbers panel, one and two sensors;
+  // nullptr where the panel draws no labelled values of its own.
+  const char* const* PanelLabels;
+  const char* const* TwoSensorPanelLabels;
+  int PanelLabelCount;                     // of one sensor; twice that with two
 };
 
 // Per-instrument defaults laid over the starting values before settings are read.
@@ -233,8 +260,11 @@ struct DataFileDescription {
   const char* NavigationPattern;
   const char* MappingDefaultExtension;   // the dialog's default extension (no dot)
   const char* NavigationDefaultExtension;
-  // Columns 15 to 25 of record 1 ("Type" and modes), into `out` (12 bytes).
-  void (*HeaderConfiguration)(char* out, int capacity);
+  // Columns 16 on of record 1 ("Type" and modes): which setting stands where.
+  const HeaderColumns* HeaderConfiguration;
+  // In Manual the footprint records are the station array's: three sets,
+  // one per coil separation, replayed as bars in the separations' colours.
+  int ArrayCornersInManual;
 };
 
 // How the main menu draws the instrument.
@@ -263,6 +293,26 @@ struct MainMenuDescription {
   int (*SummaryCells)(int row, SummaryRow& cells);
 };
 
+// The main menu's setup dialogs: their templates and the lists that differ
+// by instrument (a list the instrument lacks is nullptr; the template then has
+// no such field either).
+struct SetupDescription {
+  const wchar_t* SurveyTemplate;           // "&Survey Setup"
+  const wchar_t* SystemTemplate;           // "Sys&tem Setup"
+  const wchar_t* SystemNarrowTemplate;     // on screens under 640 pixels wide
+  const wchar_t* ButtonThreeTemplate;      // "G&eometry Setup", or the alarms with a target alarm
+  const wchar_t* ButtonThreeNarrowTemplate;  // on screens under 600 pixels wide
+  const wchar_t* ProfilesTemplate;         // "&Profiles Options"
+  const ChoiceList* SurveyModes;           // the mode list
+  const int* SurveyModeValues;             // the SurveyMode of each entry
+  const ChoiceList* Components;            // "Component:"
+  const ChoiceList* Dipoles;               // "Dipole Mode:" (EM34-3: dipole and separation)
+  const ChoiceList* ManualDipoles;         // in Manual the dipole field counts readings a station takes
+  const ChoiceList* Types;                 // the "Type" of System Setup
+  const ChoiceList* GeometryChoices;       // the sensor size, or the reference coil with CoilReference
+  const ChoiceList* MapViews;              // "Colour Map View" of the map display options
+};
+
 struct InstrumentDescription {
   int Model;                       // InstrumentModel
   const char* Name;                // "EM31-MK2"
@@ -274,6 +324,7 @@ struct InstrumentDescription {
   StoreDescription Store;
   DataFileDescription DataFile;
   MainMenuDescription MainMenu;
+  SetupDescription Setup;
 };
 
 constexpr int INSTRUMENT_COUNT = 7;

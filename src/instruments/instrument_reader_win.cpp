@@ -10,6 +10,7 @@
 #include "core/program_win.h"
 #include "core/state.h"
 #include "core/ticks.h"
+#include "instruments/em61_readers_win.h"
 #include "instruments/em_frame_reader.h"
 #include "instruments/instrument.h"
 #include "instruments/link_port.h"
@@ -63,6 +64,16 @@ int WaitForFirstFrame() {
   return Link.LastReadingTick != 0 ? 1 : 0;
 }
 
+}  // namespace
+
+LinkPort InstrumentLinkPort() {
+  return LinkPort{ReadInstrumentByte, WriteInstrumentByte, PurgeInstrumentPort, DelayForCheck};
+}
+
+void PlayReaderTick() { PlaySoundW(L"SOUND_RESULT", Windows.Instance, TICK_SOUND_FLAGS); }
+
+namespace {
+
 void TellScreen(const LinkDescription& link) {
   if (link.TellsBySend) SendMessageW(Windows.ScreenLog, link.ReadingMessage, 0, 0);
   else PostMessageW(Windows.ScreenLog, link.ReadingMessage, 0, 0);
@@ -83,7 +94,7 @@ DWORD WINAPI InstrumentReader(LPVOID) {
       continue;
     }
     const int what = link.FramerByte(byte, TickNow());
-    if (what & FRAME_PLAY_TICK) PlaySoundW(L"SOUND_RESULT", Windows.Instance, TICK_SOUND_FLAGS);
+    if (what & FRAME_PLAY_TICK) PlayReaderTick();
     if (what & FRAME_TELL_SCREEN) TellScreen(link);
   }
   return 0;
@@ -91,6 +102,8 @@ DWORD WINAPI InstrumentReader(LPVOID) {
 
 int StartInstrumentReader() {
   const LinkDescription& link = Instrument().Link;
+  // The command link has readers of its own, chosen by the kind of reply.
+  if (link.Form == LINK_COMMAND_FRAMES) return StartCommandLinkReaders();
   if (!link.StartFramer || !link.FramerByte) return 0;
   HANDLE thread = CreateThread(nullptr, 0, InstrumentReader, nullptr, 0, nullptr);
   if (!thread) return 0;
@@ -118,7 +131,7 @@ int ProveInstrumentLink() {
       return 1;
     case START_LENGTH_CHECK:
     case START_HANDSHAKE: {
-      const LinkPort port{ReadInstrumentByte, WriteInstrumentByte, PurgeInstrumentPort, DelayForCheck};
+      const LinkPort port = InstrumentLinkPort();
       if (!link.CheckLink || link.CheckLink(port) != 1) {
         ShowConnectionIssue();
         return 0;

@@ -5,6 +5,8 @@
 #pragma once
 #include <windows.h>
 
+#include "instruments/link_port.h"
+
 // Thread entry; its handle is `Link.InstrumentThread`. Ends by itself when
 // `Link.InstrumentHandle` becomes -1 and is never waited for.
 DWORD WINAPI InstrumentReader(LPVOID);
@@ -18,3 +20,10 @@ int StartInstrumentReader();
 // On failure the "Connection Issue" message has been shown and 0 comes back;
 // the caller closes the ports.
 int ProveInstrumentLink();
+
+// The instrument port as single-byte calls, for the handshakes of the
+// command link (at the start and in a reader that reconnects).
+LinkPort InstrumentLinkPort();
+
+// SOUND_RESULT as the readers play it: it doesn't cut a sound that plays.
+void PlayReaderTick();

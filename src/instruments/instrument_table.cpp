@@ -5,12 +5,16 @@
 
 #include "core/main_menu_summary.h"
 #include "core/numeric.h"
+#include "core/setup_lists.h"
 #include "core/state.h"
 #include "core/variant.h"
 #include "datafile/header_configuration.h"
 #include "instruments/em38_link_check.h"
 #include "instruments/em38mk2_reader.h"
 #include "instruments/em38mk2_reading.h"
+#include "instruments/em61_link.h"
+#include "instruments/em61_reading.h"
+#include "instruments/em61_session.h"
 #include "instruments/em_frame_reader.h"
 #include "instruments/em_text_reading.h"
 #include "instruments/grad601_reader.h"
@@ -29,6 +33,11 @@ constexpr int32_t ORANGE = 4227327;   // (255, 128, 64)
 constexpr int K = KEEP_DEFAULT;
 
 constexpr unsigned MapMode(int mode) { return 1u << mode; }
+
+const char* const Mk2PanelLabels[] = {"Ch1", "Ch2", "Ch3", "Ch4"};
+const char* const Lx2PanelLabels[] = {"ChE:", "ChL:", "ChF:"};
+const char* const Lx2TwoSensorPanelLabels[] = {"LE:", "LL:", "LF:", "RE:", "RL:", "RF:"};
+const char* const GradientPanelLabels[] = {"G #1:", "G #2:"};
 
 // Readings a Manual station takes, by the dipole and component settings.
 int ReadingsOfEm31(int dipole, int) { return dipole == 2 ? 2 : 1; }
@@ -78,20 +87,14 @@ void Em343DipoleSetting() {
 // separation moves it when the reading comes.
 void Em343PrepareSession() {
   Model.Em34ConfigShown = Model.Em34ConfigLast = Settings.DipoleMode;
-  static const double HalfSeparations[3] = {5.0, 10.0, 20.0};
+  static const int Separations[3] = {10, 20, 40};
   const double y = GpsLink.GpsOffsetYEffective;
   if (Session.SurveyModeCurrent == SURVEY_MANUAL) {
     GpsLink.PositionOffsetApplied = 0;
     Model.ManualStationOpen = 0;
-    for (int i = 0; i < 3; ++i) {
-      const double half = HalfSeparations[i];
-      Model.Em34OffsetBySeparation[i] =
-          Settings.Em34Reference == 0 ? y + half : Settings.Em34Reference == 1 ? -half - y : y;
-    }
+    for (int i = 0; i < 3; ++i) Model.Em34OffsetBySeparation[i] = Em34SensorLag(y, Settings.Em34Reference, Separations[i]);
   } else {
-    const double half = Model.Em34Separation / 2.0;
-    if (Settings.Em34Reference == 0) GpsLink.GpsOffsetYEffective = y + half;
-    else if (Settings.Em34Reference == 1) GpsLink.GpsOffsetYEffective = -half - y;
+    GpsLink.GpsOffsetYEffective = Em34SensorLag(y, Settings.Em34Reference, Model.Em34Separation);
   }
 }
 
@@ -113,7 +116,9 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 4,
                  .Supervision = SUPERVISE_PANEL_ONCE, .NullingStateAfterStart = -1, .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0, .CommMaskAtStart = 1, .CommMaskAfterEmptyRead = 0,
                  .StartFramer = StartPbarReader, .FramerByte = PbarReaderByte, .CheckLink = nullptr},
-        .Reading = {.Handle = HandleGradientReading, .StartSession = ResetGradientHandler},
+        .Reading = {.Handle = HandleGradientReading, .StartSession = ResetGradientHandler,
+                    .ReplayColourEntry = nullptr, .ReplayProfileReading = nullptr,
+                    .RecordValues = nullptr, .ValueNames = nullptr, .ValueCount = 0},
         .Views = {.ChannelCount = 1, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -125,7 +130,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {nullptr, nullptr, nullptr, nullptr},
                   .ReviewTitles = {"Review", "Review", "Review", "Review"},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE", .DisplayDialog = L"DISPLAYSETUP601"},
+                  .ScaleDialog = L"READINGSCALE",
+                  .PanelLabels = GradientPanelLabels, .TwoSensorPanelLabels = GradientPanelLabels, .PanelLabelCount = 1},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 1, .ProfileLineWidth = {2, 3, K, K, K, K, K, K},
                      .ProfileColor = {BLUE, GREEN, K, K, K, K, K, K}, .SensorCount = 1, .SwathBar = 0.5,
@@ -144,9 +150,14 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .MappingFilter = "KLV601 Files (*.RGR)", .MappingPattern = "*.RGR",
                      .NavigationFilter = "Lum601 Files (*.601)", .NavigationPattern = "*.601",
                      .MappingDefaultExtension = "RGR", .NavigationDefaultExtension = "601",
-                     .HeaderConfiguration = GradiometerHeaderConfiguration},
+                     .HeaderConfiguration = &GradiometerHeaderColumns,
+                     .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_SENSORS, .DotRadius = 0.2, .Width = 0.0, .Length = 0.1, .PictureGeometry = GradiometerPicture,
                      .SummaryCells = GradiometerSummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP601", .SystemTemplate = L"SYSTEM601", .SystemNarrowTemplate = L"SYSTEMNARROW601",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY601", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY601", .ProfilesTemplate = L"DISPLAYSETUP601",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = nullptr, .Dipoles = nullptr,
+                  .ManualDipoles = nullptr, .Types = nullptr, .GeometryChoices = nullptr, .MapViews = &GradiometerViewNames},
     },
     {
         .Model = EM61LX2,
@@ -155,8 +166,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadTimeoutMultiplier = 10, .FrameMs = 55.078211059704785, .FrameLength = 14,
                  .ReadingMessage = WM_READING_LX2_ONE, .TwoSensorMessage = WM_READING_LX2_TWO, .TellsBySend = 1, .ReaderTickEvery = 9,
                  .Supervision = SUPERVISE_RECONNECT, .NullingStateAfterStart = 0, .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0, .CommMaskAtStart = 0, .CommMaskAfterEmptyRead = 0,
-                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
-        .Reading = {.Handle = nullptr, .StartSession = nullptr},
+                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = Em61HandshakeCheck},
+        .Reading = {.Handle = TakeLx2Reading, .StartSession = ResetEm61Session,
+                    .ReplayColourEntry = ReplayLx2ColourEntry, .ReplayProfileReading = ReplayLx2ProfileReading,
+                    .RecordValues = Lx2RecordValues, .ValueNames = Lx2ValueNames, .ValueCount = 3},
         .Views = {.ChannelCount = 3, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 2, 5, 2, 3, 6, 7},
                   .SensorChoice = 1, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -168,7 +181,9 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Ch E", "Ch L", "Ch F", nullptr},
                   .ReviewTitles = {"Review ChE", "Review ChL", "Review ChF", nullptr},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE", .DisplayDialog = L"DISPLAYSETUPLX2"},
+                  .ScaleDialog = L"READINGSCALE",
+                  .PanelLabels = Lx2PanelLabels,
+                  .TwoSensorPanelLabels = Lx2TwoSensorPanelLabels, .PanelLabelCount = 3},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 2, .NullingDone = 0, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 5, .ProfileLineWidth = {2, 3, 4, 2, 2, 3, 4, 1},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -188,9 +203,14 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .NavigationFilter = "Lum61LX2 Files (*.TX2)", .NavigationPattern = "*.TX2",
                      // The EM61-LX2 borrows the EM61-MK2's default extensions, as it always has.
                      .MappingDefaultExtension = "T61", .NavigationDefaultExtension = "P61",
-                     .HeaderConfiguration = Lx2HeaderConfiguration},
+                     .HeaderConfiguration = &Lx2HeaderColumns,
+                     .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"Alarms S&etup", .Picture = PICTURE_YELLOW_COILS, .DotRadius = 0.1, .Width = 1.0, .Length = 0.5, .PictureGeometry = Lx2Picture,
                      .SummaryCells = Lx2SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUPLX2", .SystemTemplate = L"SYSTEMLX2", .SystemNarrowTemplate = L"SYSTEMLX2V",
+                  .ButtonThreeTemplate = L"ALARMLX2", .ButtonThreeNarrowTemplate = L"ALARMLX2", .ProfilesTemplate = L"DISPLAYSETUPLX2",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = nullptr, .Dipoles = nullptr,
+                  .ManualDipoles = nullptr, .Types = &Lx2TypeNames, .GeometryChoices = nullptr, .MapViews = &Lx2ViewNames},
     },
     {
         .Model = EM61MK2,
@@ -200,8 +220,10 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadingMessage = WM_READING_EM61, .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 9,
                  .Supervision = SUPERVISE_RECONNECT_POLLED, .NullingStateAfterStart = 0,
                  .ReadingTickIsByteTick = 1, .SettleMsAfterFirstFrame = 0, .CommMaskAtStart = 0, .CommMaskAfterEmptyRead = 0,
-                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = nullptr},
-        .Reading = {.Handle = nullptr, .StartSession = nullptr},
+                 .StartFramer = nullptr, .FramerByte = nullptr, .CheckLink = Em61HandshakeCheck},
+        .Reading = {.Handle = TakeEm61Mk2Reading, .StartSession = ResetEm61Session,
+                    .ReplayColourEntry = ReplayEm61Mk2ColourEntry, .ReplayProfileReading = ReplayEm61Mk2ProfileReading,
+                    .RecordValues = Em61Mk2RecordValues, .ValueNames = Em61Mk2ValueNames, .ValueCount = 4},
         .Views = {.ChannelCount = 4, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 0, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 2000,
                   .Scale2Min = 0, .Scale2Max = 0, .ComponentAtStart = -1, .DipoleAtStart = -1,
@@ -213,7 +235,9 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Channel 1", "Channel 2", "Channel 3", "Channel 4/T"},
                   .ReviewTitles = {"Review Ch1", "Review Ch2", "Review Ch3", "Review Ch4/T"},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE", .DisplayDialog = L"DISPLAYSETUP"},
+                  .ScaleDialog = L"READINGSCALE",
+                  .PanelLabels = Mk2PanelLabels,
+                  .TwoSensorPanelLabels = Mk2PanelLabels, .PanelLabelCount = 4},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 3, .NullingDone = 0, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 5, .ProfileLineWidth = {2, 3, 4, 2, 2, 3, 4, 1},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -232,9 +256,14 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .MappingFilter = "KLV61MK2 Files (*.T61)", .MappingPattern = "*.T61",
                      .NavigationFilter = "Lum61MK2 Files (*.P61)", .NavigationPattern = "*.P61",
                      .MappingDefaultExtension = "T61", .NavigationDefaultExtension = "P61",
-                     .HeaderConfiguration = Em61Mk2HeaderConfiguration},
+                     .HeaderConfiguration = &Em61Mk2HeaderColumns,
+                     .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_RED_COIL, .DotRadius = 0.1, .Width = 1.0, .Length = 0.5, .PictureGeometry = Em61Mk2Picture,
                      .SummaryCells = Em61Mk2SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRYNARROW", .ProfilesTemplate = L"DISPLAYSETUP",
+                  .SurveyModes = &Em61Mk2Modes, .SurveyModeValues = Em61Mk2ModeValues, .Components = nullptr, .Dipoles = nullptr,
+                  .ManualDipoles = nullptr, .Types = &Em61Mk2TypeNames, .GeometryChoices = &SensorSizeNames, .MapViews = &Em61Mk2ViewNames},
     },
     {
         .Model = EM31MK2,
@@ -244,7 +273,9 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .ReadingMessage = WM_READING_EM31, .TwoSensorMessage = 0, .TellsBySend = 0, .ReaderTickEvery = 6,
                  .Supervision = SUPERVISE_EACH_TICK, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 0, .CommMaskAtStart = 1, .CommMaskAfterEmptyRead = 1,
                  .StartFramer = StartFrameReader, .FramerByte = FrameReaderByte, .CheckLink = nullptr},
-        .Reading = {.Handle = HandleEm31Reading, .StartSession = ResetEmReadingState},
+        .Reading = {.Handle = HandleEm31Reading, .StartSession = ResetEmReadingState,
+                    .ReplayColourEntry = ReplayEm31ColourEntry, .ReplayProfileReading = ReplayEm31ProfileReading,
+                    .RecordValues = Em31RecordValues, .ValueNames = EmCoilValueNames, .ValueCount = 4},
         .Views = {.ChannelCount = 2, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2), .ScaleMin = 0,
                   .ScaleMax = 500, .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 0, .DipoleAtStart = 0,
@@ -256,7 +287,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Conductivity", "Inphase", nullptr, nullptr},
                   .ReviewTitles = {"Review Conductivity", "Review Inphase", nullptr, nullptr},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE31", .DisplayDialog = L"DISPLAYSETUP31"},
+                  .ScaleDialog = L"READINGSCALE31",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
                      .MapSwathIndex = 2, .ProfileLineWidth = {3, 2, 3, 2, 2, 2, 2, 2},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -275,9 +307,14 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .MappingFilter = "KLV31 Files (*.T31)", .MappingPattern = "*.T31",
                      .NavigationFilter = "Lum31 Files (*.H31)", .NavigationPattern = "*.H31",
                      .MappingDefaultExtension = "T31", .NavigationDefaultExtension = "H31",
-                     .HeaderConfiguration = CoilLengthHeaderConfiguration},
+                     .HeaderConfiguration = &CoilLengthHeaderColumns,
+                     .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BOOM, .DotRadius = 0.18, .Width = 0.16, .Length = 3.6, .PictureGeometry = Em31Picture,
                      .SummaryCells = Em31SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP31", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY31", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY31", .ProfilesTemplate = L"DISPLAYSETUP31",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = &Em31ComponentNames, .Dipoles = &DipoleModeNames,
+                  .ManualDipoles = nullptr, .Types = &CoilLengthTypeNames, .GeometryChoices = nullptr, .MapViews = &Em31ViewNames},
     },
     {
         .Model = EM38,
@@ -287,7 +324,9 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .TwoSensorMessage = 0, .TellsBySend = 0, .ReaderTickEvery = 6, .Supervision = SUPERVISE_NONE,
                  .NullingStateAfterStart = -1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 0, .CommMaskAtStart = 1, .CommMaskAfterEmptyRead = 1,
                  .StartFramer = StartFrameReader, .FramerByte = FrameReaderByte, .CheckLink = Em38LinkCheckWith},
-        .Reading = {.Handle = HandleEm38Reading, .StartSession = ResetEmReadingState},
+        .Reading = {.Handle = HandleEm38Reading, .StartSession = ResetEmReadingState,
+                    .ReplayColourEntry = ReplayEm38ColourEntry, .ReplayProfileReading = ReplayEm38ProfileReading,
+                    .RecordValues = Em38RecordValues, .ValueNames = EmCoilValueNames, .ValueCount = 4},
         .Views = {.ChannelCount = 2, .DisplayCurveCount = 4, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2), .ScaleMin = 0,
                   .ScaleMax = 500, .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 2, .DipoleAtStart = 0,
@@ -299,7 +338,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Conductivity VDM", "Conductivity HDM", "Inphase VDM", "Inphase HDM"},
                   .ReviewTitles = {"Review Conductivity", "Review Conductivity", "Review Inphase", "Review Inphase"},
                   .TitleBySelection = 1,
-                  .ScaleDialog = L"READINGSCALE31", .DisplayDialog = L"DISPLAYSETUP31"},
+                  .ScaleDialog = L"READINGSCALE31",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 4, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
                      .MapSwathIndex = 1, .ProfileLineWidth = {3, 2, 3, 2, 2, 2, 2, 2},
                      .ProfileColor = {K, K, K, K, K, K, K, K}, .SensorCount = K, .SwathBar = 0.0,
@@ -318,9 +358,14 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      // The EM38's save dialog has no filter, as it always had.
                      .MappingFilter = nullptr, .MappingPattern = nullptr, .NavigationFilter = nullptr,
                      .NavigationPattern = nullptr, .MappingDefaultExtension = "T38",
-                     .NavigationDefaultExtension = "H38", .HeaderConfiguration = CoilLengthHeaderConfiguration},
+                     .NavigationDefaultExtension = "H38", .HeaderConfiguration = &CoilLengthHeaderColumns,
+                     .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BAR, .DotRadius = 0.1, .Width = 0.05, .Length = 1.0, .PictureGeometry = nullptr,
                      .SummaryCells = Em38SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP38", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY38", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY38", .ProfilesTemplate = L"DISPLAYSETUP31",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = &Em38ComponentNames, .Dipoles = &DipoleModeNames,
+                  .ManualDipoles = nullptr, .Types = nullptr, .GeometryChoices = nullptr, .MapViews = &Em38ViewNames},
     },
     {
         .Model = EM343,
@@ -330,7 +375,9 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .TwoSensorMessage = 0, .TellsBySend = 0, .ReaderTickEvery = 6,
                  .Supervision = SUPERVISE_BATTERY_SAVE, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 0, .CommMaskAtStart = 1, .CommMaskAfterEmptyRead = 1,
                  .StartFramer = StartFrameReader, .FramerByte = FrameReaderByte, .CheckLink = nullptr},
-        .Reading = {.Handle = HandleEm34Reading, .StartSession = ResetEmReadingState},
+        .Reading = {.Handle = HandleEm34Reading, .StartSession = ResetEmReadingState,
+                    .ReplayColourEntry = ReplayEm34ColourEntry, .ReplayProfileReading = ReplayEm34ProfileReading,
+                    .RecordValues = Em34RecordValues, .ValueNames = Em34ValueNames, .ValueCount = 6},
         .Views = {.ChannelCount = 1, .DisplayCurveCount = 6, .ProfileChannelOrder = {0, 1, 2, 3, 4, 5, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = 0, .ScaleMin = 0, .ScaleMax = 500,
                   .Scale2Min = -25, .Scale2Max = 25, .ComponentAtStart = 2, .DipoleAtStart = 0,
@@ -342,7 +389,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {nullptr, nullptr, nullptr, nullptr},
                   .ReviewTitles = {nullptr, nullptr, nullptr, nullptr},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE34", .DisplayDialog = L"DISPLAYSETUP34"},
+                  .ScaleDialog = L"READINGSCALE34",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 6, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = 0.0,
                      .MapSwathIndex = 2, .ProfileLineWidth = {3, 3, 3, 2, 2, 2, K, K},
                      .ProfileColor = {BLUE, GREEN, RED, CYAN, ORANGE, MAGENTA, K, K}, .SensorCount = K,
@@ -361,9 +409,14 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .MappingFilter = "KLV34-3 Files (*.T34)", .MappingPattern = "*.T34",
                      .NavigationFilter = "Lum34-3 Files (*.H34)", .NavigationPattern = "*.H34",
                      .MappingDefaultExtension = "T34", .NavigationDefaultExtension = "H34",
-                     .HeaderConfiguration = CoilReferenceHeaderConfiguration},
+                     .HeaderConfiguration = &CoilReferenceHeaderColumns,
+                     .ArrayCornersInManual = 1},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_END_COILS, .DotRadius = 0.6, .Width = 1.2, .Length = 10.0, .PictureGeometry = Em343Picture,
                      .SummaryCells = Em343SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP34", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY34", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY34", .ProfilesTemplate = L"DISPLAYSETUP34",
+                  .SurveyModes = &Em343Modes, .SurveyModeValues = Em343ModeValues, .Components = nullptr, .Dipoles = &Em343SeparationNames,
+                  .ManualDipoles = &Em343ReadingCountNames, .Types = nullptr, .GeometryChoices = &CoilReferenceNames, .MapViews = nullptr},
     },
     {
         .Model = EM38MK2,
@@ -373,7 +426,9 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                  .TwoSensorMessage = 0, .TellsBySend = 1, .ReaderTickEvery = 10,
                  .Supervision = SUPERVISE_EACH_TICK, .NullingStateAfterStart = 1, .ReadingTickIsByteTick = 0, .SettleMsAfterFirstFrame = 50, .CommMaskAtStart = 0, .CommMaskAfterEmptyRead = 0,
                  .StartFramer = StartMk2Reader, .FramerByte = Mk2ReaderByte, .CheckLink = nullptr},
-        .Reading = {.Handle = HandleMk2Reading, .StartSession = ResetMk2Handler},
+        .Reading = {.Handle = HandleMk2Reading, .StartSession = ResetMk2Handler,
+                    .ReplayColourEntry = nullptr, .ReplayProfileReading = nullptr,
+                    .RecordValues = nullptr, .ValueNames = nullptr, .ValueCount = 0},
         .Views = {.ChannelCount = 4, .DisplayCurveCount = 8, .ProfileChannelOrder = {0, 1, 4, 5, 2, 3, 6, 7},
                   .SensorChoice = 0, .SecondScale = 1, .SecondScaleMapModes = MapMode(2) | MapMode(4),
                   .ScaleMin = 0, .ScaleMax = 1000, .Scale2Min = 0, .Scale2Max = 1500, .ComponentAtStart = 0,
@@ -385,7 +440,8 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                   .MapTitles = {"Conductivity 1 m", "Inphase 1 m", "Conductivity 0.5 m", "Inphase 0.5 m"},
                   .ReviewTitles = {"Review Conductivity 1 m", "Review Inphase 1 m", "Review Conductivity 0.5 m", "Review Inphase 0.5 m"},
                   .TitleBySelection = 0,
-                  .ScaleDialog = L"READINGSCALE31", .DisplayDialog = L"DISPLAYSETUP38MK2"},
+                  .ScaleDialog = L"READINGSCALE31",
+                  .PanelLabels = nullptr, .TwoSensorPanelLabels = nullptr, .PanelLabelCount = 0},
         .Defaults = {.DisplayCurveCount = 8, .MappingMapDisplayMode = 1, .NullingDone = 1, .GpsOffsetX = -0.3,
                      .MapSwathIndex = 1, .ProfileLineWidth = {3, 3, 3, 3, 2, 2, 2, 2},
                      .ProfileColor = {BLUE, GREEN, RED, ORANGE, BLUE, GREEN, RED, ORANGE}, .SensorCount = K,
@@ -404,9 +460,14 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .MappingFilter = "KLV38MK2 Files (*.TM8)", .MappingPattern = "*.TM8",
                      .NavigationFilter = "Lum38MK2 Files (*.382)", .NavigationPattern = "*.382",
                      .MappingDefaultExtension = "TM8", .NavigationDefaultExtension = "382",
-                     .HeaderConfiguration = Em38Mk2HeaderConfiguration},
+                     .HeaderConfiguration = &Em38Mk2HeaderColumns,
+                     .ArrayCornersInManual = 0},
         .MainMenu = {.GeometryButton = L"G&eometry Setup", .Picture = PICTURE_BAR_MK2, .DotRadius = 0.1, .Width = 0.04, .Length = 1.0, .PictureGeometry = nullptr,
                      .SummaryCells = Em38Mk2SummaryCells},
+        .Setup = {.SurveyTemplate = L"SURVEYSETUP38MK2", .SystemTemplate = L"SYSTEM", .SystemNarrowTemplate = L"SYSTEMNARROW",
+                  .ButtonThreeTemplate = L"ARRAYGEOMETRY38", .ButtonThreeNarrowTemplate = L"ARRAYGEOMETRY38", .ProfilesTemplate = L"DISPLAYSETUP38MK2",
+                  .SurveyModes = &AutoOnlyModes, .SurveyModeValues = AutoOnlyModeValues, .Components = nullptr, .Dipoles = &DipoleModeNames,
+                  .ManualDipoles = nullptr, .Types = &Em38Mk2TypeNames, .GeometryChoices = nullptr, .MapViews = &Em38Mk2ViewNames},
     },
 };
 

@@ -8,4 +8,5 @@ struct LinkPort {
   void (*WriteByte)(unsigned char byte);     // one byte to the instrument
   void (*Purge)();                           // both directions cleared
   void (*Delay)(int ms);
+  void (*Reopen)() = nullptr;                // close and open the port again, where a check asks for it
 };

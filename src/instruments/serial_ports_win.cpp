@@ -5,6 +5,7 @@
 #include "core/platform_win.h"
 #include "core/program_win.h"
 #include "core/text.h"
+#include "instruments/em61_readers_win.h"
 #include "instruments/serial_ports.h"
 
 namespace {
@@ -145,6 +146,9 @@ void StopGpsLink() {
 void StopInstrumentLink() {
   CloseInstrumentPort();
   if (Link.Em61FastLink == 1 && Link.PollEvent != NO_HANDLE) SetEvent((HANDLE)Link.PollEvent);
+  // A suspended wheel reader must run to see the closed port and return.
+  ResumeFully(Link.SecondReaderThread);
+  CloseThreadHandle(Link.SecondReaderThread);
   CloseThreadHandle(Link.InstrumentThread);
   Link.InstrumentPortState = 0;
 }

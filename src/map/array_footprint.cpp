@@ -7,6 +7,14 @@
 
 ArrayFootprintRecord ArrayFootprint;
 
+void PlotArrayLine(int separation, const PixelLine& line) {
+  const int size = Settings.PositionSize;
+  if (size == 4) PlotSegment(line.X1, line.Y1, line.X2, line.Y2, MAP_PEN_SEPARATION + separation);
+  else if (size == 5) PlotSegment(line.X1, line.Y1, line.X2, line.Y2, MAP_PEN_SEPARATION_WIDE + separation);
+  else PlotFootprintDot(line.X1, line.Y1, line.X2, line.Y2, MAP_PEN_SEPARATION + separation,
+                        MAP_BRUSH_SEPARATION + separation);
+}
+
 namespace {
 
 struct Ground {
@@ -18,22 +26,13 @@ double LagOf(int separation) { return Model.Em34OffsetBySeparation[separation]; 
 PixelLine LineAt(const Ground& g) {
   double ends[4];
   FootprintLine(g.X, g.Y, g.Ux, g.Uy, ends);
-  return WorldToPixel(ends[0], ends[1], ends[2], ends[3]);
+  return RecordedLinePixels(ends);
 }
 
 void WriteLine(int separation, const Ground& g) {
   double ends[4];
   FootprintLine(g.X, g.Y, g.Ux, g.Uy, ends);
   WriteSwathCorners('{', separation + 1, ends[0], ends[1], ends[2], ends[3]);
-}
-
-// A separation's line in the positions view, in its own colour.
-void PlotArrayLine(int separation, const PixelLine& line) {
-  const int size = Settings.PositionSize;
-  if (size == 4) PlotSegment(line.X1, line.Y1, line.X2, line.Y2, MAP_PEN_SEPARATION + separation);
-  else if (size == 5) PlotSegment(line.X1, line.Y1, line.X2, line.Y2, MAP_PEN_SEPARATION_WIDE + separation);
-  else PlotFootprintDot(line.X1, line.Y1, line.X2, line.Y2, MAP_PEN_SEPARATION + separation,
-                        MAP_BRUSH_SEPARATION + separation);
 }
 
 void PaintFirstSeparation(const PixelLine& newLine, const PixelLine& oldLine) {

@@ -21,5 +21,8 @@ void ResetArrayFootprint();
 // A confirmed station: the gate opens with a flag for each separation read.
 void OpenStationGate(const int separations[ARRAY_SEPARATIONS]);
 
+// A separation's line (0 to 2) in the positions view, in its own colour.
+void PlotArrayLine(int separation, const PixelLine& line);
+
 // The footprint step of one position while Logging (the live map's hook).
 void ArrayFootprintStep(double x, double y);

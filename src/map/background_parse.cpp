@@ -7,6 +7,7 @@
 #include "core/state.h"
 #include "core/text.h"
 #include "datafile/create_data_file.h"
+#include "datafile/record_layout.h"
 #include "gps/coordinates.h"
 #include "map/map_canvas.h"
 
@@ -230,12 +231,6 @@ const FamilyMark FamilyMarks[] = {
     {"SXT", 0}, {"SXN", 0}, {"PWR", 1}, {"LUM", 2}, {"KLV", 3},
 };
 
-double DecimalAt(const char* record, int length, int from, int count) {
-  char number[16] = {};
-  for (int i = 0; i < count && from + i < length && i < 15; ++i) number[i] = record[from + i];
-  return AsciiToDouble(number);
-}
-
 // The sentence forms a data file may hold, by its GPS format number.
 constexpr int FORM_GEODETIC = 0;   // latitude, N/S, longitude, E/W
 constexpr int FORM_GRID = 1;       // easting, northing in metres
@@ -343,8 +338,8 @@ FamilyFile RecogniseFamilyFile(const char* head, int count) {
   if ((code == 2 || code == 3) && count >= 3 * length) {
     const char* third = head + 2 * length;
     file.HasOffsets = 1;
-    file.OffsetX = DecimalAt(third, length, 1, 7);
-    file.OffsetY = DecimalAt(third, length, 8, 7);
+    file.OffsetX = FieldNumber((const unsigned char*)third, length, RecordLayout::OFFSET_X);
+    file.OffsetY = FieldNumber((const unsigned char*)third, length, RecordLayout::OFFSET_Y);
   }
   return file;
 }
@@ -506,8 +501,9 @@ long long ParseBackgroundDataFile(InputStream& in, const FamilyFile& file, Outpu
     const char tag = record[0];
     if (!formatRead && tag == 'G') {
       formatRead = true;
-      const int numberAt = file.Code == 1 ? 17 : 19;
-      const int unitAt = file.Code == 1 ? 19 : 17;
+      // The older family of code 1 has the two columns the other way round.
+      const int numberAt = file.Code == 1 ? RecordLayout::RTS_UNITS.Column : RecordLayout::GPS_OPTION.Column;
+      const int unitAt = file.Code == 1 ? RecordLayout::GPS_OPTION.Column : RecordLayout::RTS_UNITS.Column;
       const char number = numberAt < length ? record[numberAt] : ' ';
       format = IsDigit(number) ? number - '0' : -1;
       unitCode = unitAt < length ? record[unitAt] : ' ';

@@ -192,23 +192,7 @@ PixelLine WriteFootprint(int set, double sx, double sy, double ux, double uy) {
   double ends[4];
   FootprintLine(sx, sy, ux, uy, ends);
   WriteSwathCorners('{', set, ends[0], ends[1], ends[2], ends[3]);
-  return WorldToPixel(ends[0], ends[1], ends[2], ends[3]);
-}
-
-// A footprint line in the positions view.
-void PlotPositions(const PixelLine& line) {
-  if (Settings.PositionSize < 4) PlotFootprintDots(line.X1, line.Y1, line.X2, line.Y2);
-  else PlotFootprintLine(line.X1, line.Y1, line.X2, line.Y2);
-}
-
-// The colour image fills the swath between the previous line and the new one.
-void PaintSwath(const PixelLine& newLine, const PixelLine& oldLine) {
-  const bool split = LiveMapCallPoints.TwoSensorsConnected && LiveMapCallPoints.TwoSensorsConnected();
-  if (split) {
-    if (LiveMapCallPoints.PaintColourSwathSplit) LiveMapCallPoints.PaintColourSwathSplit(newLine, oldLine);
-  } else {
-    if (LiveMapCallPoints.PaintColourSwath) LiveMapCallPoints.PaintColourSwath(newLine, oldLine);
-  }
+  return RecordedLinePixels(ends);
 }
 
 void DrawNewLine(const PixelLine& newLine, const PixelLine& oldLine) {
@@ -261,6 +245,20 @@ void HeadingFootprintStep(double x, double y, double lag) {
 }
 
 }  // namespace
+
+void PlotPositions(const PixelLine& line) {
+  if (Settings.PositionSize < 4) PlotFootprintDots(line.X1, line.Y1, line.X2, line.Y2);
+  else PlotFootprintLine(line.X1, line.Y1, line.X2, line.Y2);
+}
+
+void PaintSwath(const PixelLine& newLine, const PixelLine& oldLine) {
+  const bool split = LiveMapCallPoints.TwoSensorsConnected && LiveMapCallPoints.TwoSensorsConnected();
+  if (split) {
+    if (LiveMapCallPoints.PaintColourSwathSplit) LiveMapCallPoints.PaintColourSwathSplit(newLine, oldLine);
+  } else {
+    if (LiveMapCallPoints.PaintColourSwath) LiveMapCallPoints.PaintColourSwath(newLine, oldLine);
+  }
+}
 
 void AppendSensorHistory(double x, double y) {
   LiveMapRecord& live = LiveMap;
@@ -429,6 +427,11 @@ void DrawMapCursor(int x, int y) {
   const int h = MapWindow.CursorArmSize;
   MapDrawing.WindowLine(MAP_PEN_CURSOR, x - h, y, x + 1 + h, y);
   MapDrawing.WindowLine(MAP_PEN_CURSOR, x, y - h, x, y + 1 + h);
+}
+
+PixelLine RecordedLinePixels(const double ends[4]) {
+  return WorldToPixel(CornerAsRecorded(ends[0]), CornerAsRecorded(ends[1]), CornerAsRecorded(ends[2]),
+                      CornerAsRecorded(ends[3]));
 }
 
 void FootprintLine(double sx, double sy, double ux, double uy, double out[4]) {

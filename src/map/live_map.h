@@ -84,6 +84,9 @@ void DrawMapCursor(int x, int y);
 // The footprint at ground point (sx,sy) across unit direction (ux,uy): left
 // end first, in map units.
 void FootprintLine(double sx, double sy, double ux, double uy, double out[4]);
+// The pixels of a footprint line from its ends as the corner records hold
+// them, so that a replay of the file draws the line where the live map did.
+PixelLine RecordedLinePixels(const double ends[4]);
 
 // Drawing into the data layer, in canvas pixels.
 void DrawDotOnTiles(int col, int row, int lx, int ly, int pen, int brush);
@@ -93,3 +96,9 @@ void PlotFootprintDots(int x1, int y1, int x2, int y2);
 void PlotFootprintLine(int x1, int y1, int x2, int y2);
 void PlotFootprintDot(int x1, int y1, int x2, int y2, int pen, int brush);
 void PlotSegment(int x1, int y1, int x2, int y2, int pen);
+
+// A footprint line in the positions view: dots or a line by Position Size.
+void PlotPositions(const PixelLine& line);
+// The colour image between the previous line and the new one, split in two
+// halves when two sensors feed it. The live map and the replay both paint so.
+void PaintSwath(const PixelLine& newLine, const PixelLine& oldLine);

@@ -21,6 +21,12 @@ constexpr int MAP_PAN_DOWN = 116;
 constexpr int MAP_ZOOM_IN = 117;
 constexpr int MAP_ZOOM_OUT = 118;
 constexpr int MAP_FIT_ALL = 119;
+constexpr int MAP_CHANNEL_FIRST = 122;      // 122 to 125: a channel of the colour image, in review
+
+// What a repaint redraws (RedrawTiles' modes).
+constexpr int REDRAW_GRID = 0;              // a change of grid: the grid and the background files
+constexpr int REDRAW_DRAWING = 1;           // a change of what is drawn: the survey from the data file
+constexpr int REDRAW_SCALE = 2;             // a change of scale: all of it
 
 // The two ends of a footprint line, or one point twice, in canvas pixels.
 struct PixelLine {
@@ -133,15 +139,28 @@ void ShowWaitingForPosition();
 void ShowBusyDots();
 void ReleaseTiles();
 
-// Pan, zoom and Fit All; codes 113 to 119.
+// Pan, zoom and Fit All, codes 113 to 119; a channel of the review, 122 to 125.
 void MapViewCommand(int code);
+
+// The map drawn anew from the files after a change (REDRAW_GRID,
+// REDRAW_DRAWING, REDRAW_SCALE): "Please Wait" on the window, the pages
+// cleared, the background files and the data file replayed into them.
+void RepaintMapFromFiles(int mode);
+// The same, then the window shows the result: the review's view in review;
+// outside it the live view, or after a change of scale the live window is
+// placed again by the next position. Every command that changes the scale,
+// the view or the colours of the map ends with this.
+void RedrawMap(int mode);
 // "Map Size:%5ld m" and its foot forms, by MapUnits.
 void MapSizeLabelText(char* buffer, int capacity);
 void ShowMapSizeLabel();
 
 // Review: the live view is kept apart and put back on leaving.
 void EnterMapReview();
+// The saved size, scale and view mode back, the map repainted at them.
 void ExitMapReview();
+// The saved values back without a repaint, as on leaving the session.
+void LeaveMapReview();
 
 // The store test: 1 when the ground from (minX,minY) to (maxX,maxY) lies on
 // legal pages at the current scale.

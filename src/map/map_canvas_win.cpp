@@ -35,12 +35,19 @@ struct GdiMapRecord {
   HDC CanvasDc = nullptr;
   HGDIOBJ CanvasFirstBitmap = nullptr;
   uint32_t Selected = 0;
+  // A packed page chosen for drawing is unpacked only when something is
+  // drawn into it: a page that is only filled white stays packed.
+  uint32_t Pending = 0;
   HWND Window = nullptr;
   HDC WindowDcOverride = nullptr;
   int LivePages = 0;               // DIB sections held
   long long PageBytes = 0;        // their bytes
   long long PackedBytes = 0;      // bytes of the packed pages
   uint64_t UseClock = 0;
+  // The pen left selected in the pages' context between lines: a repaint
+  // draws hundreds of thousands of lines, mostly in a few pens.
+  HPEN CanvasPen = nullptr;
+  HGDIOBJ CanvasFirstPen = nullptr;
 };
 
 GdiMapRecord GdiMap;
@@ -213,6 +220,7 @@ uint32_t GdiCreatePage(int side) {
 void GdiDeletePage(uint32_t id) {
   GdiPage* page = PageOf(id);
   if (page == nullptr) return;
+  if (GdiMap.Pending == id) GdiMap.Pending = 0;
   if (GdiMap.Selected == id) {
     SelectObject(CanvasDc(), GdiMap.CanvasFirstBitmap);
     GdiMap.Selected = 0;
@@ -223,24 +231,77 @@ void GdiDeletePage(uint32_t id) {
   GdiMap.FreePages.push_back(id);
 }
 
-void GdiSelectPage(uint32_t id) {
+void SelectHeldPage(uint32_t id) {
   GdiPage* page = HeldPage(id);
   if (page == nullptr) return;
+  // The selected page is never packed, so it is still in the context.
+  if (GdiMap.Selected == id) return;
   SelectObject(CanvasDc(), page->Bitmap);
   GdiMap.Selected = id;
 }
 
+// The page chosen last, unpacked, before anything is drawn into it.
+void TakePendingPage() {
+  const uint32_t id = GdiMap.Pending;
+  if (id == 0) return;
+  GdiMap.Pending = 0;
+  SelectHeldPage(id);
+}
+
+void GdiSelectPage(uint32_t id) {
+  GdiPage* page = PageOf(id);
+  if (page == nullptr) return;
+  if (page->Bitmap) {
+    GdiMap.Pending = 0;
+    SelectHeldPage(id);
+    return;
+  }
+  page->LastUse = ++GdiMap.UseClock;
+  GdiMap.Pending = id;
+}
+
+// A white page of `side` pixels, packed once.
+const std::vector<uint8_t>& PackedWhitePage(int side) {
+  static std::vector<uint8_t> packed;
+  static int packedSide = 0;
+  if (packedSide != side) {
+    std::vector<uint8_t> white((size_t)(RowBytes(side) * side), 0xFF);
+    PackPage(white.data(), RowBytes(side), side, packed);
+    packedSide = side;
+  }
+  return packed;
+}
+
 void GdiFillPageWhite(int side) {
+  GdiPage* pending = PageOf(GdiMap.Pending);
+  if (pending && !pending->Bitmap && side >= pending->Side) {
+    GdiMap.PackedBytes -= (long long)pending->Packed.size();
+    pending->Packed = PackedWhitePage(pending->Side);
+    GdiMap.PackedBytes += (long long)pending->Packed.size();
+    return;
+  }
+  TakePendingPage();
   if (GdiMap.Selected == 0) return;
   PatBlt(CanvasDc(), 0, 0, side, side, WHITENESS);
 }
 
 void GdiPageLine(int pen, int x1, int y1, int x2, int y2) {
+  TakePendingPage();
   if (GdiMap.Selected == 0) return;
-  DrawLine(CanvasDc(), pen, x1, y1, x2, y2);
+  HPEN tool = PenOf(pen);
+  if (tool == nullptr) return;
+  HDC dc = CanvasDc();
+  if (tool != GdiMap.CanvasPen) {
+    HGDIOBJ before = SelectObject(dc, tool);
+    if (GdiMap.CanvasPen == nullptr) GdiMap.CanvasFirstPen = before;
+    GdiMap.CanvasPen = tool;
+  }
+  POINT points[2] = {{x1, y1}, {x2, y2}};
+  Polyline(dc, points, 2);
 }
 
 void GdiPageEllipse(int pen, int brush, int left, int top, int right, int bottom) {
+  TakePendingPage();
   if (GdiMap.Selected == 0) return;
   DrawEllipse(CanvasDc(), pen, brush, left, top, right, bottom);
 }
@@ -334,12 +395,14 @@ void UseGdiMapSurface() {
 }
 
 void ReleaseGdiMapSurface() {
+  ReleaseMapCanvasPen();
   for (uint32_t id = 1; id <= GdiMap.Pages.size(); ++id) GdiDeletePage(id);
   GdiMap.Pages.clear();
   GdiMap.FreePages.clear();
   if (GdiMap.CanvasDc) DeleteDC(GdiMap.CanvasDc);
   GdiMap.CanvasDc = nullptr;
   GdiMap.Selected = 0;
+  GdiMap.Pending = 0;
   GdiMap.LivePages = 0;
   GdiMap.PageBytes = 0;
   GdiMap.PackedBytes = 0;
@@ -347,7 +410,15 @@ void ReleaseGdiMapSurface() {
 
 void UseMapWindowDc(HDC dc) { GdiMap.WindowDcOverride = dc; }
 
-HDC MapCanvasDc() { return GdiMap.Selected ? CanvasDc() : nullptr; }
+void ReleaseMapCanvasPen() {
+  if (GdiMap.CanvasDc && GdiMap.CanvasPen) SelectObject(GdiMap.CanvasDc, GdiMap.CanvasFirstPen);
+  GdiMap.CanvasPen = nullptr;
+}
+
+HDC MapCanvasDc() {
+  TakePendingPage();
+  return GdiMap.Selected ? CanvasDc() : nullptr;
+}
 
 COLORREF MapPagePixel(uint32_t id, int x, int y) {
   GdiPage* page = HeldPage(id);

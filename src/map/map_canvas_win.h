@@ -12,6 +12,9 @@ void ReleaseGdiMapSurface();
 // Draws window operations into `dc` instead of the map window (a raster of
 // the test programs, or a print); null returns to the window.
 void UseMapWindowDc(HDC dc);
+// The pages' context lets go of the pen it keeps between lines: before the
+// map's pens are made anew.
+void ReleaseMapCanvasPen();
 // The memory device context holding the page selected last, for drawing that
 // the surface has no call for; null before any page is selected.
 HDC MapCanvasDc();

@@ -22,18 +22,16 @@ int ZoomedSize(int size, double factor, int nudge) {
   return (int)zoomed;
 }
 
+void ComposeReviewView() {
+  const MapView& view = MapCanvas.ReviewView;
+  ComposeMapView(view.Col, view.Row, view.OffX, view.OffY);
+}
+
 // Everything drawn depends on the scale: the grid, the background and the
 // survey are all drawn again.
 void RepaintAtNewScale() {
-  ClearMapWindow();
-  ShowPleaseWait();
-  RecomputeGridStep();
-  RedrawTiles(2);
-  if (MapCallPoints.BackgroundFilesLoaded && MapCallPoints.DrawBackgroundFiles)
-    MapCallPoints.DrawBackgroundFiles();
-  if (MapCallPoints.ReplayMap) MapCallPoints.ReplayMap();
-  const MapView& view = MapCanvas.ReviewView;
-  ComposeMapView(view.Col, view.Row, view.OffX, view.OffY);
+  RepaintMapFromFiles(REDRAW_SCALE);
+  ComposeReviewView();
 }
 
 void NewMapSize(int size) {
@@ -177,8 +175,39 @@ void ShowBusyDots() {
   MapCanvas.BusyDotPlace = (place + 1) % 5;
 }
 
+void RepaintMapFromFiles(int mode) {
+  ClearMapWindow();
+  ShowPleaseWait();
+  if (mode != REDRAW_DRAWING) RecomputeGridStep();
+  RedrawTiles(mode);
+  // A repainted grid has lost the background files drawn into it.
+  if (mode != REDRAW_DRAWING && MapCallPoints.BackgroundFilesLoaded && MapCallPoints.DrawBackgroundFiles)
+    MapCallPoints.DrawBackgroundFiles();
+  if (mode != REDRAW_GRID && MapCallPoints.ReplayMap) MapCallPoints.ReplayMap();
+}
+
+void RedrawMap(int mode) {
+  RepaintMapFromFiles(mode);
+  if (Session.ReviewActive) {
+    ComposeReviewView();
+  } else if (mode == REDRAW_SCALE) {
+    // The live window is placed again around the cursor by the next position.
+    MapCanvas.ReanchorPending = 1;
+  } else {
+    const MapView& view = MapCanvas.LiveView;
+    ComposeMapView(view.Col, view.Row, view.OffX, view.OffY);
+  }
+}
+
 void MapViewCommand(int code) {
   int step = TruncToInt((0.05 + 1.0) * MapWindow.CursorBandPixels * 0.1 - 0.5);
+  if (code >= MAP_CHANNEL_FIRST && code < MAP_CHANNEL_FIRST + 4) {
+    // A channel of the review: only what is drawn changes.
+    Settings.MapDisplayMode = code - MAP_CHANNEL_FIRST + 1;
+    RepaintMapFromFiles(REDRAW_DRAWING);
+    ComposeReviewView();
+    return;
+  }
   switch (code) {
     case MAP_PAN_LEFT: PanHorizontal(-step); break;
     case MAP_PAN_RIGHT: PanHorizontal(step); break;
@@ -214,17 +243,14 @@ void EnterMapReview() {
   ComposeMapView(view.Col, view.Row, view.OffX, view.OffY);
 }
 
-void ExitMapReview() {
+void LeaveMapReview() {
   Session.ReviewActive = 0;
   Settings.MapSize = MapCanvas.SavedMapSize;
   MapCanvas.MapScale = MapCanvas.SavedMapScale;
   Settings.MapDisplayMode = MapCanvas.SavedDisplayMode;
-  ClearMapWindow();
-  ShowPleaseWait();
-  RecomputeGridStep();
-  RedrawTiles(2);
-  if (MapCallPoints.DrawBackgroundFiles) MapCallPoints.DrawBackgroundFiles();
-  if (MapCallPoints.ReplayMap) MapCallPoints.ReplayMap();
-  // The next live position places the window again around the cursor.
-  MapCanvas.ReanchorPending = 1;
+}
+
+void ExitMapReview() {
+  LeaveMapReview();
+  RedrawMap(REDRAW_SCALE);
 }

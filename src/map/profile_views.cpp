@@ -61,11 +61,6 @@ int BarBase(const ScaleTickTable& ticks, int height) {
   return height;
 }
 
-void RememberBarChannel(int window, int index, int channel) {
-  if (window < 0 || window >= BAR_WINDOWS || index < 0 || index >= BARS_PER_WINDOW) return;
-  ProfileMemory.BarChannel[window][index] = channel;
-}
-
 int TakeBarsFresh(int window, const ScaleTickTable& ticks, int height) {
   if (window < 0 || window >= BAR_WINDOWS) return 0;
   ProfileMemoryRecord& m = ProfileMemory;
@@ -178,4 +173,9 @@ void FinishScaleDialog() {
   RecomputeScaleFactors();
   ClearFirstReadingFlags();
   RecomputeColourWidth();
+}
+
+void RememberBarChannel(int window, int index, int channel) {
+  if (window < 0 || window >= BAR_WINDOWS || index < 0 || index >= BARS_PER_WINDOW) return;
+  ProfileMemory.BarChannel[window][index] = channel;
 }

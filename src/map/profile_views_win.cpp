@@ -1,6 +1,7 @@
 #include "map/profile_views_win.h"
 
 #include "core/platform_win.h"
+#include "instruments/instrument.h"
 #include "instruments/reading.h"
 #include "map/profile_views.h"
 #include "session/logging_layout.h"
@@ -79,10 +80,9 @@ const ScaleTickTable& TicksOfWindow(int windowId) {
 
 namespace {
 
-// ProfileScroll: the window's picture two pixels to the left, the drawing
-// column wiped, the scale lines continued, then the strokes of the window's
-// curves, each in its pen.
-void ProfileScroll(HWND curve, const ReadingOutcome& out, int window, const ScaleTickTable& ticks) {
+// One window's scroll and the strokes of its curves.
+void ProfileScroll(HWND curve, int window, const ReadingOutcome& out, const ProfileStroke strokes[],
+                   const ScaleTickTable& ticks) {
   HDC dc = GetDC(curve);
   if (!dc) return;
   const int w = WindowWidth(curve), h = WindowHeight(curve);
@@ -94,12 +94,10 @@ void ProfileScroll(HWND curve, const ReadingOutcome& out, int window, const Scal
     LineTo(dc, x, h);
   }
   ScaleLines(dc, ticks, c - 1, c + 2);
-  for (int i = 0; i < out.ProfileCount && i < OUTCOME_PROFILE_CHANNELS; ++i) {
-    if (out.ProfileWindow[i] != window) continue;
-    const ProfileStroke s = PlanProfileStroke(i, out.ProfilePixel[i], out.ProfileOn[i]);
-    if (s.Kind == STROKE_NONE) continue;
-    const int pen = out.ProfilePen[i];
-    SelectObject(dc, Tools.PenProfile[pen >= 0 && pen < 8 ? pen : i % 8]);
+  for (int i = 0; i < out.ProfileCount && i < PROFILE_CHANNELS; ++i) {
+    const ProfileStroke& s = strokes[i];
+    if (s.Kind == STROKE_NONE || out.ProfileWindow[i] != window) continue;
+    SelectObject(dc, Tools.PenProfile[out.ProfilePen[i] % 8]);
     if (s.Kind == STROKE_POINT) {
       MoveToEx(dc, c, s.ToY, nullptr);
       LineTo(dc, c + 1, s.ToY);
@@ -115,12 +113,15 @@ void ProfileScroll(HWND curve, const ReadingOutcome& out, int window, const Scal
 }  // namespace
 
 void ProfileStep(const ReadingOutcome& out) {
-  bool used[CURVE_WINDOW_COUNT] = {};
-  for (int i = 0; i < out.ProfileCount && i < OUTCOME_PROFILE_CHANNELS; ++i)
-    if (out.ProfileWindow[i] >= 0 && out.ProfileWindow[i] < CURVE_WINDOW_COUNT) used[out.ProfileWindow[i]] = true;
+  const int count = out.ProfileCount < PROFILE_CHANNELS ? out.ProfileCount : PROFILE_CHANNELS;
+  ProfileStroke strokes[PROFILE_CHANNELS];
+  PlanProfileStep(out.ProfilePixel, out.ProfileOn, count, strokes);
   for (int window = 0; window < CURVE_WINDOW_COUNT; ++window) {
     HWND curve = LoggingWindows.Curves[window];
-    if (used[window] && curve && IsWindowVisible(curve)) ProfileScroll(curve, out, window, Scales.ProfileTicks);
+    if (!curve || !IsWindowVisible(curve)) continue;
+    bool has = false;
+    for (int i = 0; i < count; ++i) has = has || out.ProfileWindow[i] == window;
+    if (has) ProfileScroll(curve, window, out, strokes, Scales.ProfileTicks);
   }
 }
 
@@ -148,14 +149,36 @@ void MoveBarsOfWindow(const ReadingOutcome& out, int bars) {
     if (move.Window != bars) continue;
     const int index = move.Index >= 0 && move.Index < 4 ? move.Index : 0;
     BarRectangle rects[2];
-    RememberBarChannel(bars, index, move.Channel);
     const int n = PlanMovingBar(bars, index, move.Pixel, ticks, h, L.BarLeft[index], L.BarWidth, rects);
     for (int k = 0; k < n; ++k) FillBar(dc, rects[k], move.Channel);
+    RememberBarChannel(bars, index, move.Channel);
   }
   ScaleLines(dc, ticks, 0, w);
   SelectObject(dc, oldPen);
   SelectObject(dc, oldBrush);
   ReleaseDC(window, dc);
+}
+
+// The row's channel labels in blue down the left of the numbers panel, and
+// the mark of the channel that the colour image shows.
+void ChannelLabels(HDC dc, const ReadingOutcome& out, int pitch) {
+  const ViewDescription& views = Instrument().Views;
+  const bool two = TwoSensorsInUse() && views.TwoSensorPanelLabels != views.PanelLabels;
+  const char* const* labels = two ? views.TwoSensorPanelLabels : views.PanelLabels;
+  if (!labels) return;
+  const int count = views.PanelLabelCount * (two ? 2 : 1);
+  SelectObject(dc, Fonts.FontTextBold);
+  SetTextColor(dc, RGB(0, 0, 255));
+  for (int i = 0; i < count; ++i) DrawNarrowTextAt(dc, 10, 4 + i * pitch, labels[i]);
+  if (out.MapChannelMark > 0 && out.MapChannelMark <= count) {
+    const int y = 4 + (int)((out.MapChannelMark - 0.5) * pitch);
+    HGDIOBJ oldPen = SelectObject(dc, GetStockObject(BLACK_PEN));
+    HGDIOBJ oldBrush = SelectObject(dc, Tools.BrushGreen);
+    Ellipse(dc, 1, y - 3, 7, y + 3);
+    SelectObject(dc, oldPen);
+    SelectObject(dc, oldBrush);
+  }
+  SetTextColor(dc, RGB(0, 0, 0));
 }
 
 }  // namespace
@@ -176,22 +199,18 @@ void ShowNumbers(HWND numbers, const ReadingOutcome& out) {
   GetClientRect(numbers, &all);
   FillRect(dc, &all, Session.SessionState == SESSION_LOGGING ? Tools.BrushGreen : Tools.BrushWhite);
   SetBkMode(dc, TRANSPARENT);
-  HFONT font = nullptr;
+  SetTextColor(dc, RGB(0, 0, 0));
+  HGDIOBJ oldFont = SelectObject(dc, Fonts.FontText);
   const int pitch = LoggingLayout.PanelRowPitch > 0 ? LoggingLayout.PanelRowPitch : 16;
+  if (out.NumbersLabelled) ChannelLabels(dc, out, pitch);
   for (int i = 0; i < out.NumberLineCount && i < OUTCOME_NUMBER_LINES; ++i) {
-    const int y = 4 + i * pitch;
-    if (out.NumberLabels[i]) {
-      UseFont(dc, font, Fonts.FontText);
-      SetTextColor(dc, RGB(0, 0, 255));
-      DrawNarrowTextAt(dc, 4, y, out.NumberLabels[i]);
-    }
-    UseFont(dc, font, out.NumberBold[i] ? Fonts.FontTextBold : Fonts.FontText);
-    SetTextColor(dc, RGB(0, 0, 0));
-    if (out.NumbersRightAligned)
-      DrawNarrowTextAt(dc, all.right - NUMBERS_RIGHT_MARGIN, y, out.NumberLines[i], TA_RIGHT | TA_TOP);
+    SelectObject(dc, out.NumberBold[i] ? Fonts.FontTextBold : Fonts.FontText);
+    if (out.NumbersLabelled)
+      DrawNarrowTextAt(dc, all.right - NUMBERS_RIGHT_MARGIN, 4 + i * pitch, out.NumberLines[i], TA_RIGHT | TA_TOP);
     else
-      DrawNarrowTextAt(dc, 4, y, out.NumberLines[i]);
+      DrawNarrowTextAt(dc, 4, 4 + i * pitch, out.NumberLines[i]);
   }
+  SelectObject(dc, oldFont);
   ReleaseDC(numbers, dc);
 }
 

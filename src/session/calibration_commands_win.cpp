@@ -41,7 +41,7 @@ void ReleaseGps() {
 
 }  // namespace
 
-void CalibrateCommand() {
+void OffsetCalibrationCommand() {
   if (!OffsetCalibrationOffered() || OffsetCalibration.State == CALIBRATION_RUNNING) return;
   HoldOffsetsForCalibration();
   const int yes = ShowMessage(Windows.ScreenLog, L"MESSAGEYESNO", CALIBRATION_START_TITLE, CALIBRATION_START_TEXT) == 1;

@@ -3,7 +3,7 @@
 #pragma once
 #include <windows.h>
 
-void CalibrateCommand();
+void OffsetCalibrationCommand();
 void RemoveCalibrationCommand();
 
 // The calibration has ended: the speed window and the GPS reader come back,

@@ -36,6 +36,9 @@ const KeyRow ReviewKeys[] = {
     {KEY_SUBTRACT, CMD_ZOOM_OUT}, {'F', CMD_FIT_ALL},        {'E', CMD_EXIT_REVIEW},
 };
 
+// Keys of the button set, in and out of review.
+const KeyRow AnyStateKeys[] = {{KEY_F2, CMD_FILE_GO_PAUSE}, {'X', CMD_EXIT}, {'M', CMD_MENU}, {KEY_F3, CMD_MENU}};
+
 // With the popup menu open three letters are its accelerators.
 const KeyRow PopupKeys[] = {{'L', CMD_CALIBRATE}, {'R', CMD_REMOVE_CALIBRATION}, {'D', CMD_AUDIO_OPTIONS}};
 
@@ -58,19 +61,15 @@ int CommandForKey(int key, const KeyContext& c) {
   if (c.PopupOpen && (code = Find(PopupKeys, key)) != CMD_NONE) return code;
   if (c.ReviewActive) {
     if ((code = Find(ReviewKeys, key)) != CMD_NONE) return code;
-    return Find(PanKeys, key);
+    if ((code = Find(PanKeys, key)) != CMD_NONE) return code;
+    return Find(AnyStateKeys, key);
   }
   if (key == 'F') return c.SessionState == SESSION_MONITORING ? CMD_FILE_GO_PAUSE : CMD_NONE;
   if (c.SessionState == SESSION_STANDBY && (code = Find(StandByKeys, key)) != CMD_NONE) return code;
   if ((code = Find(MenuKeys, key)) != CMD_NONE) return code;
   if ((code = Find(PanKeys, key)) != CMD_NONE) return code;
-  switch (key) {
-    case KEY_F2: return CMD_FILE_GO_PAUSE;
-    case 'X': return CMD_EXIT;
-    case 'M': case KEY_F3: return CMD_MENU;
-    case 'I': return CMD_ENTER_REVIEW;
-    default: return CMD_NONE;
-  }
+  if ((code = Find(AnyStateKeys, key)) != CMD_NONE) return code;
+  return key == 'I' ? CMD_ENTER_REVIEW : CMD_NONE;
 }
 
 int CommandForId(int id, int activeScreen) {
@@ -110,3 +109,51 @@ PauseKeyDecision DecidePauseKey(int key, int pauseKey, int instrumentModel, int 
 }
 
 bool IsSoftMarkerKey(int key) { return IsDigitKey(key) || IsArrowKey(key); }
+
+namespace {
+
+const char* const NeedsInstrumentText = "Option avaiable only when Instrument is enabled";
+const char* const NeedsGpsText = "Option avaiable only when GPS is enabled";
+const char* const NeedsMapText = "Option avaiable only when map is visible";
+
+void Refuse(CommandGateOutcome& out, const char* message) {
+  out.Run = 0;
+  if (message && out.MessageCount < 2) out.Messages[out.MessageCount++] = message;
+}
+
+}  // namespace
+
+CommandGateOutcome GateCommand(int code, const CommandGateContext& c) {
+  CommandGateOutcome out;
+  switch (code) {
+    case CMD_NULL_MAPSIZE_QLINE:
+    case CMD_NEW_LINE:
+    case CMD_NEW_STATION:
+      if (!c.InstrumentEnabled) Refuse(out, NeedsInstrumentText);
+      break;
+    case CMD_COMMENT:
+      // Without a file there is nothing to write the comment to.
+      if (!c.DataFileOpen) Refuse(out, nullptr);
+      break;
+    case CMD_NULLING:
+      if (!Instrument().Commands.Nulling) Refuse(out, nullptr);
+      else if (!c.InstrumentEnabled) Refuse(out, NeedsInstrumentText);
+      break;
+    case CMD_TOGGLE_VIEW:
+      // Both reasons are told when both hold.
+      if (!c.InstrumentEnabled) Refuse(out, NeedsInstrumentText);
+      if (!c.GpsInput) Refuse(out, NeedsGpsText);
+      break;
+    case CMD_MAP_SIZE:
+    case CMD_MAP_DISPLAY_OPTIONS:
+      if (!c.GpsInput) Refuse(out, NeedsGpsText);
+      else if (!c.MapVisible) Refuse(out, NeedsMapText);
+      break;
+    case CMD_CHANNEL_1: case CMD_CHANNEL_1 + 1: case CMD_CHANNEL_1 + 2: case CMD_CHANNEL_1 + 3:
+      if (!c.GpsInput) Refuse(out, NeedsGpsText);
+      break;
+    default:
+      break;
+  }
+  return out;
+}

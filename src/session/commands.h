@@ -67,3 +67,17 @@ PauseKeyDecision DecidePauseKey(int key, int pauseKey, int instrumentModel, int 
 
 // A key that ends a soft marker when released.
 bool IsSoftMarkerKey(int key);
+
+// What a command needs before it runs, and the messages of a refusal.
+struct CommandGateContext {
+  int InstrumentEnabled;
+  int GpsInput;
+  int MapVisible;
+  int DataFileOpen;
+};
+struct CommandGateOutcome {
+  int Run = 1;                        // 0: the command is refused
+  int MessageCount = 0;               // "INFORMATION" messages, in order
+  const char* Messages[2] = {};
+};
+CommandGateOutcome GateCommand(int code, const CommandGateContext& context);

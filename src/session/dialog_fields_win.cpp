@@ -58,6 +58,10 @@ INT_PTR CALLBACK OkCancelDialogProc(HWND dialog, UINT message, WPARAM wParam, LP
     EndDialog(dialog, 0);
     return TRUE;
   }
+  if (form && form->Command) {
+    form->Command(dialog, LOWORD(wParam), HIWORD(wParam));
+    return TRUE;
+  }
   return FALSE;
 }
 

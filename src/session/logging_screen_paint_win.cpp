@@ -8,6 +8,7 @@
 #include "session/model_status_texts.h"
 #include "map/colour_scale.h"
 #include "map/colour_bar.h"
+#include "session/instrument_panel_win.h"
 #include "session/logging_screen_win.h"
 #include "session/session_state.h"
 #include "session/reading_screen_win.h"
@@ -277,6 +278,7 @@ void PaintLoggingScreen(HDC dc) {
   PaintMapTitle(dc);
   PaintAttitudeLabels(dc);
   PaintGradientLabel(dc);
+  PaintAlarmPanel(dc);
   PaintFrame(dc);
   PaintColourLegend(dc);
   PaintStatusLine(dc);

@@ -10,6 +10,7 @@
 #include "instruments/instrument.h"
 #include "core/text.h"
 #include "core/variant.h"
+#include "datafile/data_file_writes.h"
 #include "gps/nmea_receiver.h"
 #include "gps/position_pipeline_win.h"
 #include "instruments/em_frame_reader.h"
@@ -117,6 +118,16 @@ LRESULT OnSize(HWND screen, UINT, WPARAM, LPARAM) {
   return 0;
 }
 
+// A writer found the data file's disk full. The notice stands over the
+// screen while readings and positions go on being handled under it.
+LRESULT OnDataFileFull(HWND screen, UINT, WPARAM, LPARAM) {
+  if (!DiskFullNoticeDue()) return 0;
+  ShowMessage(Windows.Frame, L"MESSAGEOK", DISK_FULL_TITLE, DISK_FULL_TEXT);
+  // The keyboard goes back to the screen, so that the next key pauses.
+  SetFocus(screen);
+  return 0;
+}
+
 LRESULT OnPaint(HWND screen, UINT, WPARAM, LPARAM) {
   PAINTSTRUCT paint;
   HDC dc = BeginPaint(screen, &paint);
@@ -137,6 +148,7 @@ const MessageRow LoggingScreenMessages[] = {
     {WM_READING_EM38, LoggingReading},    {WM_READING_EM38MK2, LoggingReading},
     {WM_READING_EM34, LoggingReading},    {WM_READING_LX2_ONE, LoggingReading},
     {WM_READING_LX2_TWO, LoggingReading}, {WM_READING_GRAD601, LoggingReading},
+    {WM_DATA_FILE_FULL, OnDataFileFull},
 };
 
 }  // namespace

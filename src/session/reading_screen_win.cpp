@@ -19,9 +19,12 @@
 #include "session/calibration_commands_win.h"
 #include "session/logging_layout.h"
 #include "session/logging_screen_win.h"
+#include "instruments/instrument.h"
+#include "session/instrument_panel_win.h"
 #include "session/session_dialogs_win.h"
 
 ReadingTextsShownRecord ReadingTextsShown;
+ReadingOutcome NumbersLastShown;
 
 namespace {
 
@@ -68,6 +71,21 @@ void DrawPanelText(HDC dc, HFONT& current, const PixelRect& place, const char* t
   DrawNarrowTextAt(dc, place.X, place.Y, text);
 }
 
+// The marker: the lamps of the title row light where the screen has them,
+// else the text goes in the marker box.
+void DrawMarker(HDC dc, HFONT& font, const char* text) {
+  const LoggingLayoutRecord& L = LoggingLayout;
+  if (L.MarkerLampCount == 0) {
+    DrawPanelText(dc, font, L.MarkerBox, text, Fonts.FontTextBold, RGB(255, 0, 0));
+    return;
+  }
+  const bool lit = text[0] != 0 && text[0] != ' ';
+  for (int i = 0; i < L.MarkerLampCount && i < 2; ++i) {
+    RECT lamp = ToRect(L.MarkerLamps[i]);
+    FillRect(dc, &lamp, lit ? Tools.BrushRed : Tools.BrushButtonFace);
+  }
+}
+
 void DrawScreenTexts(HWND screen, const ReadingOutcome& out) {
   HDC dc = GetDC(screen);
   if (!dc) return;
@@ -85,8 +103,7 @@ void DrawScreenTexts(HWND screen, const ReadingOutcome& out) {
     UseFont(dc, font, Fonts.FontText);
     DrawGpsFieldText(dc, ToRect(L.TotalTime.Value), out.TimeText, 0);
   }
-  if (out.MarkerShown && Changed(shown.Marker, out.MarkerText))
-    DrawPanelText(dc, font, L.MarkerBox, out.MarkerText, Fonts.FontTextBold, RGB(255, 0, 0));
+  if (out.MarkerShown && Changed(shown.Marker, out.MarkerText)) DrawMarker(dc, font, out.MarkerText);
   if (out.ReadingCountShown > 0)
     DrawPanelText(dc, font, L.ReadingCountText, out.ReadingCountText, Fonts.FontTextBold, RGB(0, 0, 0));
   else if (out.ReadingCountShown < 0)
@@ -105,23 +122,33 @@ bool AnyScreenText(const ReadingOutcome& out) {
          (out.Warnings[1] >= 0 && out.Warnings[1] != shown.Warnings[1]);
 }
 
-void ApplyReadingOutcome(HWND screen, const ReadingOutcome& out) {
+void ApplyReadingOutcome(HWND screen, ReadingOutcome& out) {
   if (out.EndLostLink) EndLostLinkNotice(screen);
   if (out.ProfileStep) ProfileStep(out);
   if (out.BarCount) MovingBars(out);
-  if (out.NumbersShown) ShowNumbers(LoggingWindows.Numbers, out);
+  if (out.NumbersShown) {
+    ShowNumbers(LoggingWindows.Numbers, out);
+    NumbersLastShown = out;
+  }
   if (AnyScreenText(out)) DrawScreenTexts(screen, out);
   if (out.PromptShown) DrawCalibrationPrompt(screen, out.PromptText);
+  if (out.StopSound) StopOutcomeSound();
   if (out.Sound) PlaySoundW(out.Sound, Windows.Instance, out.SoundFlags);
   if (out.SaveSettings) LoadSettings(SETTINGS_SAVE);
   if (out.BeepBeforeLeaving) MessageBeep(CALIBRATION_BEEP);
   if (out.Leaving == CALIBRATION_LEAVE) LeaveOffsetCalibrationOnScreen();
   if (out.BeepAfterLeaving) MessageBeep(CALIBRATION_BEEP);
+  ApplyInstrumentOutcome(screen, out);
 }
 
 }  // namespace
 
 void ForgetReadingTextsShown() { ReadingTextsShown = ReadingTextsShownRecord(); }
+
+void RedrawReadingsPanel() {
+  if (!Instrument().Views.PanelLabels || !NumbersLastShown.NumbersShown) return;
+  ShowNumbers(LoggingWindows.Numbers, NumbersLastShown);
+}
 
 LRESULT LoggingReading(HWND screen, UINT, WPARAM, LPARAM) {
   ReadingOutcome out;

@@ -19,3 +19,8 @@ struct ReadingTextsShownRecord {
 extern ReadingTextsShownRecord ReadingTextsShown;
 
 void ForgetReadingTextsShown();
+
+// The numbers panel as the last reading left it, drawn again (its ground
+// follows the state) at Go and Pause, for the instruments whose panel has
+// labels of its own.
+void RedrawReadingsPanel();

@@ -15,6 +15,8 @@ struct OkCancelDialog {
   const wchar_t* Template;
   void (*Open)(HWND dialog);
   void (*Accept)(HWND dialog);
+  // Other commands of the dialog's controls (a list that enables fields); nullptr for none.
+  void (*Command)(HWND dialog, int id, int code) = nullptr;
 };
 int RunOkCancelDialog(HWND owner, const OkCancelDialog& form);
 

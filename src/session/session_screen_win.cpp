@@ -8,6 +8,7 @@
 
 #include "core/platform_win.h"
 #include "core/program_win.h"
+#include "core/setup_forms_win.h"
 #include "core/state.h"
 #include "instruments/instrument.h"
 #include "core/settings.h"
@@ -16,18 +17,22 @@
 #include "core/variant.h"
 #include "datafile/create_data_file_win.h"
 #include "datafile/records.h"
+#include "datafile/replay_win.h"
 #include "gps/position_pipeline.h"
 #include "map/background_files_win.h"
 #include "map/live_map.h"
 #include "map/scale_ticks.h"
 #include "gps/gps_reader_win.h"
+#include "instruments/instrument.h"
 #include "instruments/link_supervision.h"
 #include "instruments/link_supervision_win.h"
 #include "instruments/serial_ports_win.h"
 #include "map/map_canvas.h"
 #include "session/calibration_commands_win.h"
 #include "session/commands.h"
+#include "session/em61_commands_win.h"
 #include "session/logging_screen_win.h"
+#include "session/reading_screen_win.h"
 #include "session/recording.h"
 #include "session/session_dialogs_win.h"
 #include "session/session_menu_win.h"
@@ -104,7 +109,7 @@ void LeaveToMainMenu() {
     return;
   }
   EndBackgroundFiles();
-  if (Session.ReviewActive) ExitMapReview();
+  if (Session.ReviewActive) LeaveMapReview();
   ShowSet(LoggingWindows.StandBySet, 0);
   ShowWindow(LoggingWindows.Pause, SW_HIDE);
   ShowSet(LoggingWindows.MonitoringSet, 1);
@@ -114,10 +119,24 @@ void LeaveToMainMenu() {
   SetFocus(Windows.Frame);
 }
 
+// Handlers of readings and positions stay idle while a modal box is up, so
+// that nothing draws under it.
+template <typename Run> auto Modal(Run run) {
+  const int was = Session.ProcessingEnabled;
+  Session.ProcessingEnabled = 0;
+  auto result = run();
+  Session.ProcessingEnabled = was;
+  return result;
+}
+
+INT_PTR Ask(const wchar_t* templateName, const wchar_t* title, const wchar_t* text) {
+  return Modal([&] { return ShowMessage(Windows.ScreenLog, templateName, title, text); });
+}
+
 void Inform(const wchar_t* title, const char* text) {
   wchar_t wide[256];
   WidenText(text, wide, 256);
-  ShowMessage(Windows.ScreenLog, L"MESSAGEOK", title, wide);
+  Ask(L"MESSAGEOK", title, wide);
 }
 
 void Warn(const char* first, const char* second, const char* third) {
@@ -130,22 +149,13 @@ void Ring(const wchar_t* sound) {
   PlaySoundW(sound, Windows.Instance, SND_RESOURCE | SND_ASYNC | SND_NOSTOP);
 }
 
-bool NeedsInstrument() {
-  if (Settings.InstrumentEnabled != 0) return true;
-  Inform(L"INFORMATION", "Option avaiable only when Instrument is enabled");
-  return false;
-}
-
-bool NeedsGpsAndMap() {
-  if (Settings.GpsInput == 0) {
-    Inform(L"INFORMATION", "Option avaiable only when GPS is enabled");
-    return false;
-  }
-  if (!Session.MapVisible) {
-    Inform(L"INFORMATION", "Option avaiable only when map is visible");
-    return false;
-  }
-  return true;
+// What the command needs before it runs; each refusal is told.
+bool CommandMayRun(int code) {
+  const CommandGateContext context{Settings.InstrumentEnabled, Settings.GpsInput, Session.MapVisible,
+                                   DataFileState.DataFile != NO_HANDLE ? 1 : 0};
+  const CommandGateOutcome gate = GateCommand(code, context);
+  for (int i = 0; i < gate.MessageCount; ++i) Inform(L"INFORMATION", gate.Messages[i]);
+  return gate.Run != 0;
 }
 
 void EnableReviewRow(int enabled) {
@@ -182,8 +192,9 @@ void FileCommand() {
     Inform(L"INFORMATION", text);
   }
   if (DataFileState.DataFile != NO_HANDLE) {
-    EnableReviewRow(1);
+    // Stand By first: the review row follows the state it is enabled in.
     TakeDataFile();
+    EnableReviewRow(1);
     ShowStandBySet();
     ShowStatusText(0);
     ShowStatusText(2);
@@ -222,7 +233,23 @@ void RepaintReadouts() {
     if (window) InvalidateRect(window, nullptr, TRUE);
 }
 
-// A colour channel radio: the image shows that channel from now on.
+// The title over the map, live or in its review form.
+void ShowMapChannelTitle() {
+  HDC dc = GetDC(Windows.ScreenLog);
+  if (!dc) return;
+  char title[48];
+  MapChannelTitle(Settings.MapDisplayMode, Session.ReviewActive, title, sizeof title);
+  const RECT box = ToRect(LoggingLayout.ChannelTitle);
+  FillRect(dc, &box, Tools.BrushButtonFace);
+  HGDIOBJ old = SelectObject(dc, Fonts.FontText);
+  SetBkMode(dc, TRANSPARENT);
+  DrawNarrowTextAt(dc, box.left, box.top, title);
+  SelectObject(dc, old);
+  ReleaseDC(Windows.ScreenLog, dc);
+}
+
+// A colour channel radio: the image shows that channel from now on, drawn
+// anew from the data file; in review for the review only.
 void ChannelCommand(int code) {
   if (Settings.GpsInput == 0) {
     Inform(L"INFORMATION", "Option avaiable only when GPS is enabled");
@@ -232,20 +259,15 @@ void ChannelCommand(int code) {
   RecomputeColourWidth();
   if (!Session.ReviewActive) LoadSettings(SETTINGS_SAVE);
   ShowChannelButtons(1);
-  HDC dc = GetDC(Windows.ScreenLog);
-  if (dc) {
-    char title[48];
-    MapChannelTitle(Settings.MapDisplayMode, Session.ReviewActive, title, sizeof title);
-    const RECT box = ToRect(LoggingLayout.ChannelTitle);
-    FillRect(dc, &box, Tools.BrushButtonFace);
-    HGDIOBJ old = SelectObject(dc, Fonts.FontText);
-    SetBkMode(dc, TRANSPARENT);
-    DrawNarrowTextAt(dc, box.left, box.top, title);
-    SelectObject(dc, old);
-    ReleaseDC(Windows.ScreenLog, dc);
+  ShowMapChannelTitle();
+  if (Session.MapVisible) {
+    if (Session.ReviewActive) MapViewCommand(code);
+    else RedrawMap(REDRAW_DRAWING);
   }
   SetFocus(Windows.ScreenLog);
 }
+
+void ReviewCommand(int enter);
 
 // "&Go": recording starts.
 void GoCommand() {
@@ -254,15 +276,19 @@ void GoCommand() {
     Warn("Cannot start logging.", "Please increase the map size", "by 20-25%.");
     return;
   }
+  // F2 works in review too: the live map comes back before recording starts.
+  if (Session.ReviewActive) ReviewCommand(0);
   Session.ProcessingEnabled = 0;
   EnableReviewRow(0);
   ShowSet(LoggingWindows.StandBySet, 0);
   StartRecording(TickNow());
   ShowStatusText(3);
   ShowChannelButtons(0);
+  LinkForLoggingStart();
   ShowWindow(LoggingWindows.Pause, SW_SHOW);
   SendMessageW(LoggingWindows.Pause, BM_SETSTYLE, 1, TRUE);
   if (StationsConfirmed()) ShowReadingCount(1);
+  RedrawReadingsPanel();
   ShowPauseHint(SESSION_LOGGING);
   Session.ProcessingEnabled = 1;
 }
@@ -272,9 +298,11 @@ void PauseCommand() {
   Session.ProcessingEnabled = 0;
   const PauseWarning warning = StopRecording();
   if (StationsConfirmed() && Model.ManualReadingsPerStation > 1) ShowReadingCount(0);
+  RedrawReadingsPanel();
   ShowPauseHint(SESSION_STANDBY);
   ReopenDataFileAtEnd();
   ShowChannelButtons(1);
+  LinkForLoggingStop();
   ShowStandBySet();
   if (Session.MapVisible) EnableReviewRow(1);
   ShowStatusText(2);
@@ -292,15 +320,14 @@ void QuickLineCommand() {
   QuickLineName(next, sizeof next);
   wchar_t wide[64];
   WidenText(next, wide, 64);
-  if (ShowMessage(Windows.ScreenLog, L"MESSAGEYESNO", L"Quick Line", wide) != 1) return;
+  if (Ask(L"MESSAGEYESNO", L"Quick Line", wide) != 1) return;
   TakeQuickLine(next);
   LoadSettings(SETTINGS_SAVE);
   RepaintLoggingScreen();
 }
 
 void NewLineCommand() {
-  if (!NeedsInstrument()) return;
-  if (RunNewLineDialog(Windows.ScreenLog) != 1) return;
+  if (Modal([] { return RunNewLineDialog(Windows.ScreenLog); }) != 1) return;
   WriteLineHeader();
   WriteTimeRecord();
   Session.LineCount += 1;
@@ -311,14 +338,39 @@ void NewLineCommand() {
 }
 
 void NewStationCommand() {
-  if (!NeedsInstrument()) return;
-  RunNewStationDialog(Windows.ScreenLog);
+  Modal([] { return RunNewStationDialog(Windows.ScreenLog); });
   RepaintLoggingScreen();
 }
 
 void CommentCommand() {
-  if (DataFileState.DataFile == NO_HANDLE) return;
-  RunCommentDialog(Windows.ScreenLog);
+  Modal([] { return RunCommentDialog(Windows.ScreenLog); });
+}
+
+// "Map &Size" and "Map Displa&y Options": after OK the map is repainted as
+// far as the change needs, and the screen shows the new size and view.
+void MapDialogCommand(int code) {
+  const int done = Modal([code] {
+    return code == CMD_MAP_SIZE ? RunMapSizeDialog(Windows.ScreenLog) : RunDisplayOptionsDialog(Windows.ScreenLog, 1);
+  });
+  if (done != 1) return;
+  ShowChannelButtons(Session.SessionState != SESSION_LOGGING);
+  RepaintLoggingScreen();
+}
+
+void GpsMaskCommand() { Modal([] { return RunGpsMaskDialog(Windows.ScreenLog); }); }
+
+// The coordinates' labels and values follow the units at the next paint.
+void CoordinateUnitsCommand() {
+  if (Modal([] { return RunCoordinateUnitsDialog(Windows.ScreenLog); }) == 1) RepaintLoggingScreen();
+}
+
+// "Calibration": the row's kind of calibration.
+void CalibrateCommand() {
+  switch (Instrument().Commands.Calibration) {
+    case CALIBRATION_FILTER: FilterCalibrationCommand(); break;
+    case CALIBRATION_OFFSETS: OffsetCalibrationCommand(); break;
+    default: break;
+  }
 }
 
 void MenuCommand() {
@@ -333,10 +385,9 @@ void MenuCommand() {
   SessionMenu.Popup = nullptr;
 }
 
+// The canvas is not touched: the pages keep their side, the updaters draw
+// into them while the map is hidden, and the next position composes the view.
 void ToggleViewCommand() {
-  if (Settings.InstrumentEnabled == 0) Inform(L"INFORMATION", "Option avaiable only when Instrument is enabled");
-  if (Settings.GpsInput == 0) Inform(L"INFORMATION", "Option avaiable only when GPS is enabled");
-  if (Settings.InstrumentEnabled == 0 || Settings.GpsInput == 0) return;
   Session.MapVisible = !Session.MapVisible;
   ArrangeLoggingScreenWindows();
   ShareScreenPlaces();
@@ -344,17 +395,17 @@ void ToggleViewCommand() {
   RecomputeScaleFactors();
   RepaintLoggingScreen();
   if (Session.MapVisible) {
-    RedrawTiles(2);
+    // The pages kept everything drawn while the map was hidden: the next
+    // position composes them.
     ShowPleaseWait();
-    if (MapCallPoints.DrawBackgroundFiles) MapCallPoints.DrawBackgroundFiles();
-    if (MapCallPoints.ReplayMap) MapCallPoints.ReplayMap();
-    MapCanvas.ReanchorPending = 1;
     EnableReviewRow(1);
     ShowChannelButtons(1);
   } else {
     EnableReviewRow(0);
     ShowChannelButtons(0);
   }
+  // The profile changed its size with the layout and is drawn anew.
+  RedrawProfiles();
 }
 
 void MapViewCommandOfScreen(int code) {
@@ -367,6 +418,7 @@ void ReviewCommand(int enter) {
   if (IsNavigation() || !Session.MapVisible || Session.SessionState == SESSION_LOGGING) return;
   if (enter && !Session.ReviewActive) {
     EnterMapReview();
+    ShowMapChannelTitle();
     ShowSet(LoggingWindows.StandBySet, 0);
     for (int i = 4; i <= 6; ++i) {
       ShowWindow(LoggingWindows.Review[i], SW_SHOW);
@@ -376,7 +428,9 @@ void ReviewCommand(int enter) {
     ShowWindow(LoggingWindows.Review[8], SW_SHOW);
     EnableWindow(LoggingWindows.Review[8], TRUE);
   } else if (!enter && Session.ReviewActive) {
-    ExitMapReview();
+    // The screen first, then the map and the profile from the files.
+    LeaveMapReview();
+    RecomputeColourWidth();
     ShowChannelButtons(1);
     for (int i = 4; i <= 6; ++i) ShowWindow(LoggingWindows.Review[i], SW_HIDE);
     ShowWindow(LoggingWindows.Review[8], SW_HIDE);
@@ -384,10 +438,26 @@ void ReviewCommand(int enter) {
     if (Session.SessionState == SESSION_STANDBY) ShowStandBySet();
     else ShowSet(LoggingWindows.MonitoringSet, 1);
     RepaintLoggingScreen();
+    RedrawMap(REDRAW_SCALE);
+    RedrawProfiles();
+    Session.ProcessingEnabled = 1;
   }
 }
 
+// "Sc&ale Readings": the readouts on the new scales, the profile drawn
+// anew, and the colour image too when it is drawn on a changed scale.
+void ScaleReadingsCommand() {
+  const ScaleRanges before = CurrentScaleRanges();
+  if (!RunScaleReadingsDialog(Windows.ScreenLog)) return;
+  RepaintLoggingScreen();
+  RepaintReadouts();
+  RedrawProfiles();
+  if (Session.MapVisible && Settings.GpsInput != 0 && ColourImageScaleChanged(before, CurrentScaleRanges()))
+    RedrawMap(REDRAW_DRAWING);
+}
+
 void RunCommand(int code) {
+  if (!CommandMayRun(code)) return;
   const int state = Session.SessionState;
   switch (code) {
     case CMD_FILE_GO_PAUSE:
@@ -396,7 +466,6 @@ void RunCommand(int code) {
       else if (state == SESSION_LOGGING) PauseCommand();
       break;
     case CMD_NULL_MAPSIZE_QLINE:
-      if (!NeedsInstrument()) break;
       if (state == SESSION_STANDBY) QuickLineCommand();
       else if (state == SESSION_MONITORING)
         RunCommand(Instrument().Commands.Nulling ? CMD_NULLING : CMD_MAP_SIZE);
@@ -406,17 +475,17 @@ void RunCommand(int code) {
     case CMD_NEW_LINE: NewLineCommand(); break;
     case CMD_NEW_STATION: NewStationCommand(); break;
     case CMD_COMMENT: CommentCommand(); break;
-    case CMD_NULLING:
-      NeedsInstrument();
-      break;
+    case CMD_NULLING: NullingCommand(); break;
+    case CMD_CALIBRATE: CalibrateCommand(); break;
+    case CMD_ALARM_SETTINGS: AlarmSettingsCommand(); break;
     case CMD_HIDE_MENU:
       RepaintLoggingScreen();
       break;
     case CMD_TOGGLE_VIEW: ToggleViewCommand(); break;
     case CMD_MAP_SIZE:
-    case CMD_MAP_DISPLAY_OPTIONS:
-      NeedsGpsAndMap();
-      break;
+    case CMD_MAP_DISPLAY_OPTIONS: MapDialogCommand(code); break;
+    case CMD_GPS_WARNING_MASK: GpsMaskCommand(); break;
+    case CMD_COORDINATE_UNITS: CoordinateUnitsCommand(); break;
     case CMD_PAN_LEFT: case CMD_PAN_RIGHT: case CMD_PAN_UP: case CMD_PAN_DOWN:
     case CMD_ZOOM_IN: case CMD_ZOOM_OUT: case CMD_FIT_ALL:
       MapViewCommandOfScreen(code);
@@ -425,21 +494,18 @@ void RunCommand(int code) {
     case CMD_ENTER_BACKGROUND: EnterBackgroundFilesCommand(Windows.ScreenLog); break;
     case CMD_REMOVE_BACKGROUND: RemoveBackgroundFilesCommand(Windows.ScreenLog); break;
     case CMD_EXIT_REVIEW: ReviewCommand(0); break;
-    case CMD_SCALE_READINGS:
-      if (RunScaleReadingsDialog(Windows.ScreenLog)) {
-        RepaintLoggingScreen();
-        RepaintReadouts();
-      }
-      break;
+    case CMD_SCALE_READINGS: ScaleReadingsCommand(); break;
     case CMD_SCALE_SPEED_BAR: RunSpeedScaleDialog(Windows.ScreenLog); break;
     case CMD_PROFILE_OPTIONS:
-      if (RunDisplaySetupDialog(Windows.ScreenLog)) RepaintReadouts();
+      if (RunDisplaySetupDialog(Windows.ScreenLog)) {
+        RepaintReadouts();
+        RedrawProfiles();
+      }
       break;
     case CMD_AUDIO_OPTIONS: RunAudioOptionsDialog(Windows.ScreenLog); break;
     case CMD_CHANNEL_1: case CMD_CHANNEL_1 + 1: case CMD_CHANNEL_1 + 2: case CMD_CHANNEL_1 + 3:
       ChannelCommand(code);
       break;
-    case CMD_CALIBRATE: CalibrateCommand(); break;
     case CMD_REMOVE_CALIBRATION: RemoveCalibrationCommand(); break;
     default: break;  // dialogs of alarms come later
   }

@@ -34,6 +34,8 @@ void PrepareSessionState() {
   const InstrumentDescription& row = Instrument();
   Link.LinkLostShown = 0;
   if (!row.Views.SensorChoice) Settings.SensorCount = 0;
+  // The decay curve's previous channel is stepped back from the last one by
+  // one, two, then three: three channels before the last stands.
   Model.DecayChannelPrev = Model.DecayChannelLast - 1;
   Link.ReadingsPerMessage = 1;
   ClearSessionClocks();

@@ -8,6 +8,7 @@
 #include "core/text.h"
 #include "core/ticks.h"
 #include "core/variant.h"
+#include "datafile/replay_win.h"
 #include "gps/gps_reader_win.h"
 #include "gps/nmea_format.h"
 #include "gps/position_pipeline.h"
@@ -37,6 +38,7 @@ void ShowWide(const wchar_t* templateName, const wchar_t* title, const char* tex
 // the windows are arranged between its two halves.
 void PrepareSession() {
   StartBackgroundFiles();
+  InstallReplay();
   PrepareSessionState();
   ArrangeLoggingScreenWindows();
   ShareScreenPlaces();

@@ -45,3 +45,15 @@ void RecomputeColourWidth() {
   const double span = secondScale ? Settings.Scale2Max - Settings.Scale2Min : Settings.ScaleMax - Settings.ScaleMin;
   Scales.ColourWidth = span / ColourIndexCount;
 }
+
+ScaleRanges CurrentScaleRanges() {
+  return {Settings.ScaleMin, Settings.ScaleMax, Settings.Scale2Min, Settings.Scale2Max};
+}
+
+int ColourImageScaleChanged(const ScaleRanges& before, const ScaleRanges& after) {
+  if (Settings.MapDisplayMode <= 0) return 0;
+  const bool first = before.Min != after.Min || before.Max != after.Max;
+  const bool second = before.Min2 != after.Min2 || before.Max2 != after.Max2;
+  if (!Instrument().Views.SecondScale) return first || second ? 1 : 0;
+  return (SecondScaleForMapMode(Settings.MapDisplayMode) ? second : first) ? 1 : 0;
+}

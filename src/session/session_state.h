@@ -23,3 +23,12 @@ void ApplyManualReadingsRule();
 
 // Width of a colour class on the scale the colour image shows.
 void RecomputeColourWidth();
+
+// The two reading scales, as they stand before and after the scale dialog.
+struct ScaleRanges {
+  double Min, Max, Min2, Max2;
+};
+ScaleRanges CurrentScaleRanges();
+// 1 when the colour image is on and a scale it is drawn on changed: the
+// view's own scale, or the one scale of an instrument without a second.
+int ColourImageScaleChanged(const ScaleRanges& before, const ScaleRanges& after);

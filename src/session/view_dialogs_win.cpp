@@ -4,6 +4,8 @@
 
 #include <commdlg.h>
 
+#include <initializer_list>
+
 #include "core/settings.h"
 #include "core/state.h"
 #include "core/text.h"
@@ -121,6 +123,12 @@ void OpenDisplay(HWND dialog) {
     SendMessageW(grid, CB_ADDSTRING, 0, (LPARAM)L"Inphase");
     SendMessageW(grid, CB_SETCURSEL, Settings.ProfileScaleKind == 1 ? 1 : 0, 0);
   }
+  HWND amplitude = GetDlgItem(dialog, IDC_DISPLAY_AMPLITUDE);
+  if (amplitude) {
+    SendMessageW(amplitude, CB_ADDSTRING, 0, (LPARAM)L"Linear");
+    SendMessageW(amplitude, CB_ADDSTRING, 0, (LPARAM)L"Compressed");
+    SendMessageW(amplitude, CB_SETCURSEL, Settings.ProfileScaleKind == 1 ? 1 : 0, 0);
+  }
 }
 
 // The owner-drawn colour button: a sunken box with a sample line.
@@ -160,8 +168,9 @@ void AcceptDisplay(HWND dialog) {
     const LRESULT chosen = SendDlgItemMessageW(dialog, IDC_DISPLAY_WIDTH_FIRST + row, CB_GETCURSEL, 0, 0);
     if (chosen >= 0 && chosen < 4) Settings.ProfileLineWidth[row] = (int)chosen + 1;
   }
-  if (GetDlgItem(dialog, IDC_DISPLAY_GRID))
-    Settings.ProfileScaleKind = SendDlgItemMessageW(dialog, IDC_DISPLAY_GRID, CB_GETCURSEL, 0, 0) == 1 ? 1 : 0;
+  // The grid list and the amplitude list keep their choice in the same setting.
+  for (int id : {IDC_DISPLAY_GRID, IDC_DISPLAY_AMPLITUDE})
+    if (GetDlgItem(dialog, id)) Settings.ProfileScaleKind = SendDlgItemMessageW(dialog, id, CB_GETCURSEL, 0, 0) == 1 ? 1 : 0;
   RecomputeScaleFactors();
   ClearFirstReadingFlags();
   LoadSettings(SETTINGS_SAVE);
@@ -243,7 +252,7 @@ int RunScaleReadingsDialog(HWND owner) {
 
 int RunDisplaySetupDialog(HWND owner) {
   const INT_PTR result =
-      DialogBoxParamW(Windows.Instance, Instrument().Views.DisplayDialog, owner, DisplayDialogProc, 0);
+      DialogBoxParamW(Windows.Instance, Instrument().Setup.ProfilesTemplate, owner, DisplayDialogProc, 0);
   ReturnFocus(owner);
   return result == 1 ? 1 : 0;
 }

@@ -2,8 +2,9 @@
 
 A `Sandbox` owns everything one test needs and stops all of it on close:
   - its own Wine prefix, copied from the booted template (system files
-    hard-linked, registry and the rest copied), so tests never share state;
-  - its own Xvfb display at a chosen screen size;
+    hard-linked, registry and the rest copied), so tests never share state,
+    with its own wineserver kept from start to close;
+  - its own Xvfb display at a chosen screen size, numbered by Xvfb itself;
   - virtual serial ports: socat pty pairs, one end linked as comN in the
     prefix's dosdevices, the other end given to the field simulator;
   - programs started with `start()`, their windows found by title, keys
@@ -17,6 +18,11 @@ KELVO_NATIVE_TOOLS (native build's tools folder, for the field simulator).
 Tests that cannot run here exit with SKIP_CODE (77), which ctest reports as
 skipped.
 
+Tests run side by side (ctest -j): nothing a Sandbox makes is shared with
+another test. A long test names its parts in a module-level PARTS and
+runs the parts named on its command line (`parts_to_run`); ctest runs each
+part as a test of its own (tests/list_parts.py).
+
 Usage:
     with Sandbox("startup", screen=(1280, 800)) as box:
         program = box.start("Kelvo31")
@@ -24,11 +30,13 @@ Usage:
         box.key(window, "x")
         assert program.wait(20) == 0
 """
+import itertools
 import os
 import shutil
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 
 SKIP_CODE = 77
@@ -41,6 +49,10 @@ import variants  # noqa: E402  (the one variant list)
 VARIANTS = [  # name, settings folder, InstrumentModel, ProductMode
     (v["name"], v["folder"], v["model"], v["product"]) for v in variants.VARIANTS]
 PROGRAM_NAMES = [v[0] for v in VARIANTS]
+
+
+# Sandboxes of one test process, numbered so that their prefixes never meet.
+_SANDBOX_NUMBERS = itertools.count(1)
 
 
 def log(*parts):
@@ -78,6 +90,16 @@ def artefact_dir():
     path = os.path.join(work_dir(), "artefacts")
     os.makedirs(path, exist_ok=True)
     return path
+
+
+def parts_to_run(parts):
+    """The parts of a test named on its command line (ctest runs each part as
+    a test of its own), or every part when none is named."""
+    asked = sys.argv[1:] or list(parts)
+    unknown = [part for part in asked if part not in parts]
+    if unknown:
+        raise SystemExit("unknown part %s; the parts are %s" % (", ".join(unknown), ", ".join(parts)))
+    return asked
 
 
 def template_prefix():
@@ -139,14 +161,16 @@ class Sandbox:
         self.name = name
         self.screen = screen
         self.keep_prefix = keep_prefix
-        self.prefix = os.path.join(work_dir(), "run", "%s-%d" % (name, os.getpid()))
+        self.prefix = os.path.join(work_dir(), "run", "%s-%d-%d" % (name, os.getpid(), next(_SANDBOX_NUMBERS)))
         os.makedirs(os.path.dirname(self.prefix), exist_ok=True)
         copy_prefix(template_prefix(), self.prefix)
         self.processes = []
+        self.pairs = {}
         self.programs = []
         self.display = None
         self.xvfb = None
         self._start_display()
+        self._start_wineserver()
 
     # ------------------------------------------------------------ set-up
     def _start_display(self):
@@ -169,6 +193,13 @@ class Sandbox:
         if not number.strip():
             raise RuntimeError("Xvfb did not start")
         self.display = ":" + number.decode().strip()
+
+    def _start_wineserver(self):
+        """The prefix's wineserver and system processes, up from the start
+        and kept until `close` (serve_prefix.sh says why)."""
+        subprocess.run(["bash", os.path.join(HERE, "serve_prefix.sh"), self.prefix], env=self.env(),
+                       timeout=120, check=True,
+                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def env(self):
         env = dict(os.environ)
@@ -203,22 +234,78 @@ class Sandbox:
     def run_to_end(self, exe, args=(), timeout=120):
         """Runs a Windows program (a setup program, an uninstaller) and waits
         until every process it started has ended too; returns its exit code."""
-        result = subprocess.run(["wine", exe] + list(args), env=self.env(), capture_output=True,
-                                timeout=timeout, start_new_session=True)
-        subprocess.run(["wineserver", "-w"], env=self.env(), capture_output=True, timeout=timeout)
+        result = subprocess.run(["wine", exe] + list(args), env=self.env(), stdout=subprocess.DEVNULL,
+                                stderr=subprocess.DEVNULL, timeout=timeout, start_new_session=True)
+        # The prefix's server and system processes stay up for the next
+        # program; what this one started (an uninstaller copies itself to a
+        # temporary program and runs that) is waited for by name.
+        deadline = time.time() + timeout
+        while self.programs_running() and time.time() < deadline:
+            time.sleep(0.2)
         return result.returncode
 
+    SYSTEM_PROGRAMS = (b"services.exe", b"winedevice.exe", b"plugplay.exe", b"svchost.exe", b"explorer.exe",
+                       b"rpcss.exe", b"conhost.exe", b"winemenubuilder.exe", b"start.exe", b"tabtip.exe")
+
+    def programs_running(self):
+        """Windows programs of this prefix other than its system processes."""
+        own = ("WINEPREFIX=" + self.prefix).encode()
+        running = []
+        for entry in os.listdir("/proc"):
+            if not entry.isdigit():
+                continue
+            try:
+                with open("/proc/%s/cmdline" % entry, "rb") as f:
+                    command = f.read()
+                with open("/proc/%s/environ" % entry, "rb") as f:
+                    if own not in f.read().split(b"\0"):
+                        continue
+            except OSError:
+                continue
+            first = command.split(b"\0")[0].lower()
+            if not first.endswith(b".exe") or first.endswith(self.SYSTEM_PROGRAMS):
+                continue
+            running.append(int(entry))
+        return running
+
+    def pids(self, program, suffix=".exe"):
+        """Process ids of a program running in this sandbox's prefix; other
+        tests and other users run programs of the same name at the same time.
+        With suffix "" any process whose command line holds `program`:
+        "wineserver", or "" for every process of the prefix."""
+        exe = (program + suffix).encode()
+        own = ("WINEPREFIX=" + self.prefix).encode()
+        found = []
+        for entry in os.listdir("/proc"):
+            if not entry.isdigit():
+                continue
+            try:
+                with open("/proc/%s/cmdline" % entry, "rb") as f:
+                    if exe not in f.read():
+                        continue
+                with open("/proc/%s/environ" % entry, "rb") as f:
+                    if own not in f.read().split(b"\0"):
+                        continue
+            except OSError:
+                continue
+            found.append(int(entry))
+        return found
+
     def run_tool(self, tool, args=(), timeout=60):
-        """Runs a Windows console tool inside the prefix and returns its output."""
+        """Runs a Windows console tool inside the prefix and returns its output.
+        The output comes through a file: a Wine process that the tool starts
+        would hold a pipe open after the tool has ended."""
         exe = os.path.join(tools_dir(), tool + ".exe")
-        result = subprocess.run(["wine", exe] + list(args), env=self.env(), capture_output=True,
-                                timeout=timeout, start_new_session=True)
-        return result.stdout.decode("utf-8", "replace")
+        with tempfile.TemporaryFile() as out:
+            subprocess.run(["wine", exe] + list(args), env=self.env(), stdin=subprocess.DEVNULL,
+                           stdout=out, stderr=subprocess.DEVNULL, timeout=timeout, start_new_session=True)
+            out.seek(0)
+            return out.read().decode("utf-8", "replace")
 
     def windows(self):
         """Windows and child controls of the prefix's programs, as dicts."""
         rows = []
-        for line in self.run_tool("list_windows").splitlines():
+        for line in self._window_list().splitlines():
             parts = line.split("\t")
             if len(parts) < 8:
                 continue
@@ -228,6 +315,17 @@ class Sandbox:
                          "enabled": parts[5] == "1", "rect": (l, t, r, b),
                          "text": "\t".join(parts[7:])})
         return rows
+
+    def _window_list(self, tries=3):
+        """The list tool's output. Rarely, with many sandboxes at work, a Wine
+        process stalls and never ends: it is stopped and the list asked for
+        again."""
+        for attempt in range(tries):
+            try:
+                return self.run_tool("list_windows", timeout=20)
+            except subprocess.TimeoutExpired:
+                log("     (list_windows stalled, attempt %d)" % (attempt + 1))
+        raise RuntimeError("list_windows stalled %d times" % tries)
 
     def wait_window(self, title, timeout=60):
         """X window id of the first window with exactly this title."""
@@ -336,9 +434,11 @@ class Sandbox:
             return f.read()
 
     # ------------------------------------------------------------ serial ports
-    def serial_pair(self, com_number):
+    def serial_pair(self, com_number, by_link=False):
         """Links COM<com_number> of the prefix to a fresh pty pair; returns the
-        host path of the other end, for the field simulator."""
+        host path of the other end, for the field simulator: the pty itself,
+        or with `by_link` the link to it, by which the simulator finds the
+        pair again once `unplug` and another `serial_pair` made it anew."""
         folder = os.path.join(self.prefix, "serial")
         os.makedirs(folder, exist_ok=True)
         program_end = os.path.join(folder, "com%d-program" % com_number)
@@ -347,6 +447,7 @@ class Sandbox:
             ["socat", "pty,raw,echo=0,link=" + program_end, "pty,raw,echo=0,link=" + peer_end],
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
         self.processes.append(process)
+        self.pairs[com_number] = process
         deadline = time.time() + 10
         while not (os.path.islink(program_end) and os.path.islink(peer_end)):
             if time.time() > deadline:
@@ -356,7 +457,17 @@ class Sandbox:
         if os.path.lexists(link):
             os.unlink(link)
         os.symlink(os.path.realpath(program_end), link)
-        return os.path.realpath(peer_end)
+        return peer_end if by_link else os.path.realpath(peer_end)
+
+    def unplug(self, com_number):
+        """The port's adapter is gone: its pty pair ends (socat removes its
+        links on TERM, so nothing stale points at a reused pty) and COM<n>
+        no longer exists in the prefix."""
+        process = self.pairs.pop(com_number, None)
+        if process is not None and process.poll() is None:
+            os.killpg(process.pid, signal.SIGTERM)
+            process.wait(timeout=10)
+        self.remove_port(com_number)
 
     def remove_port(self, com_number):
         link = os.path.join(self.prefix, "dosdevices", "com%d" % com_number)
@@ -374,6 +485,9 @@ class Sandbox:
         for program in self.programs:
             program.stop()
         subprocess.run(["wineserver", "-k"], env=self.env(), capture_output=True, timeout=30)
+        # The server is known by the prefix folder's inode, which the next new
+        # folder may get: the folder goes only once its server has ended.
+        subprocess.run(["wineserver", "-w"], env=self.env(), capture_output=True, timeout=30)
         for process in self.processes:
             if process.poll() is None:
                 try:

@@ -39,16 +39,34 @@ def record_length(program):
     return 24 if program == "Lum31" else 27
 
 
-def sent_sentences(log_path):
-    """The sentences the simulator sent on the GPS line, in order."""
+def sent_sentences(log_path, with_times=False):
+    """The sentences the simulator sent on the GPS line, in order; with
+    `with_times` each as (sentence, wall-clock ms of its sending)."""
     out = []
     for _, raw in sent_log.messages(log_path, "gps"):
         for piece in raw.split("\n"):
             piece = piece.strip("\r")
             if piece.startswith("$"):
                 # The receiver keeps only bytes strictly between 35 and 127.
-                out.append("".join(c for c in piece if 35 < ord(c) < 127))
+                text = "".join(c for c in piece if 35 < ord(c) < 127)
+                out.append((text, float(parts[0])) if with_times else text)
     return out
+
+
+def order_start(sent, sentences):
+    """Where `sentences` stand in `sent` one after another, or -1. A sentence
+    without a time of day (GSA) repeats while the fix stays the same, and a
+    recording can begin with it, so every place of the first one is tried."""
+    count = len(sentences)
+    for at, text in enumerate(sent):
+        if sentences and text == sentences[0] and sent[at:at + count] == sentences:
+            return at
+    return -1
+
+
+def stands_in_order(sent, sentences):
+    """True when `sentences` stand in `sent` one after another."""
+    return order_start(sent, sentences) >= 0
 
 
 def records(data, length):
@@ -122,11 +140,7 @@ def check_survey_file(checks, program, data, sent, option_key, walked_seconds, c
         if not sentences:
             checks.check(False, label + "GPS groups were written")
             continue
-        try:
-            at = sent.index(sentences[0])
-        except ValueError:
-            at = -1
-        checks.check(at >= 0 and sent[at:at + len(sentences)] == sentences,
+        checks.check(stands_in_order(sent, sentences),
                      label + "%d sentences in the file are the simulator's, once each and in order" % len(sentences))
         keyed = [g for g in logged if option_key in g[0]]
         seqs = [int(g[1]) for g in keyed]
@@ -305,21 +319,38 @@ def killed_while_logging(checks):
                      "a program killed while Logging leaves %d valid whole records" % len(recs))
 
 
+# Each part is a ctest test of its own, run side by side with the others: a
+# program's survey (with its GLL and RTS runs where it has them), the EM31-MK2
+# run with its instrument on, and the killed program.
+PARTS = harness.PROGRAM_NAMES + ["Kelvo31-instrument", "killed"]
+# About how long each part runs alone, so that ctest starts the longest first.
+SECONDS = dict([(name, 50) for name in harness.PROGRAM_NAMES] +
+               [("Kelvo31", 110), ("Lum31", 110), ("Kelvo38", 110), ("Lum38MK2", 110),
+                ("Kelvo31-instrument", 35), ("killed", 25)])
+
+
+def run_part(checks, part, quick):
+    if part == "Kelvo31-instrument":
+        survey(checks, "Kelvo31", instrument=True, walk=10)
+        return
+    if part == "killed":
+        killed_while_logging(checks)
+        return
+    walk = 60 if part in ("Kelvo31", "Lum31") else 20
+    if quick:
+        walk = 10
+    survey(checks, part, walk=walk)
+    # GLL (option 5) and the RTS pseudo-GGA (option 7), one mapping and one navigation program.
+    if part in ("Kelvo38", "Lum38MK2"):
+        survey(checks, part, option=5, key="GLL", walk=10)
+        survey(checks, part, option=7, key="GGA", walk=10)
+
+
 def main():
     checks = harness.Checks()
     quick = os.environ.get("KELVO_E2E_QUICK") == "1"
-    programs = harness.PROGRAM_NAMES
-    for program in programs:
-        walk = 60 if program in ("Kelvo31", "Lum31") else 20
-        if quick:
-            walk = 10
-        survey(checks, program, walk=walk)
-    # GLL (option 5) and the RTS pseudo-GGA (option 7), one mapping and one navigation program.
-    for program in ("Kelvo38", "Lum38MK2"):
-        survey(checks, program, option=5, key="GLL", walk=10)
-        survey(checks, program, option=7, key="GGA", walk=10)
-    survey(checks, "Kelvo31", instrument=True, walk=10)
-    killed_while_logging(checks)
+    for part in harness.parts_to_run(PARTS):
+        run_part(checks, part, quick)
     checks.finish()
 
 

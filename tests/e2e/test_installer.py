@@ -7,6 +7,7 @@ writes its first-start settings file into its folder. A second installation
 keeps the settings files. The silent uninstaller removes programs, shortcuts
 and its registration and leaves settings files and data files where they are."""
 import os
+import tempfile
 import struct
 import subprocess
 import time
@@ -61,21 +62,23 @@ def link_target(data):
 
 # ---------------------------------------------------------------- registry
 def registry_key(box, key):
-    """Values of a key of the prefix's machine registry, as written text, or
-    None. Read after the prefix has ended, when Wine has saved it."""
-    header = "[" + key.replace("\\", "\\\\") + "]"
-    values = None
-    with open(os.path.join(box.prefix, "system.reg"), encoding="utf-8", errors="replace") as f:
-        for line in f:
-            line = line.rstrip("\n")
-            if values is None:
-                if line.split("] ")[0] + "]" == header:
-                    values = {}
-            elif not line:
-                break
-            elif line.startswith('"') and "=" in line:
-                name, value = line.split("=", 1)
-                values[name.strip('"')] = value
+    """Values of a key of the prefix's machine registry, in the registry
+    file's text form (quoted, backslashes and quotes escaped), or None. Asked
+    of the running prefix with reg.exe: its server keeps the registry in
+    memory and saves the file only when it ends."""
+    with tempfile.TemporaryFile() as out:
+        result = subprocess.run(["wine", "reg", "query", "HKLM\\" + key], env=box.env(), stdout=out,
+                                stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL, timeout=60)
+        out.seek(0)
+        text = out.read().decode("utf-8", errors="replace")
+    if result.returncode != 0:
+        return None
+    values = {}
+    for line in text.splitlines():
+        parts = line.strip().split(None, 2)
+        if len(parts) == 3 and parts[1].startswith("REG_"):
+            value = parts[2].replace("\\", "\\\\").replace('"', '\\"')
+            values[parts[0]] = '"' + value + '"'
     return values
 
 

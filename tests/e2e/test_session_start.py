@@ -22,6 +22,9 @@ LINE_GPS_PORT = 38
 GPS_ONLY_LINE = {"Kelvo601": 4, "Lum601": 4, "Kelvo61LX2": 5, "Lum61LX2": 5,
                  "Kelvo61MK2": 4, "Lum61MK2": 4, "Kelvo38MK2": 4, "Lum38MK2": 4}
 
+# About how long each part runs alone, so that ctest starts the longest first.
+SECONDS = {"em31": 35, "portrait": 25, "refusals": 30, "models": 35, "gps-only": 60}
+
 
 def settings_path(box, program):
     folder = dict((v[0], v[1]) for v in harness.VARIANTS)[program]
@@ -146,10 +149,8 @@ def back_to_menu(box, checks, program, window):
     checks.check(control_visible(box, 420, "&Logging"), "%s: \"E&xit\" returns to the main menu" % program)
 
 
-def main():
-    checks = harness.Checks()
-
-    # A live EM31-MK2 session, twice, then the program ends with code 0.
+def live_session(checks):
+    """A live EM31-MK2 session, twice, then the program ends with code 0."""
     with harness.Sandbox("session-em31") as box:
         path = first_start(box, "Kelvo31")
         checks.check(os.path.exists(path), "first start wrote the settings file")
@@ -195,7 +196,9 @@ def main():
         box.key(window, "x")
         checks.equal(program.wait(30), 0, "Kelvo31 ends with exit code 0 after two sessions")
 
-    # Menu and logging screen in portrait, one mapping and one navigation program.
+
+def portrait(checks):
+    """Menu and logging screen in portrait, one mapping and one navigation program."""
     for program_name in ("Kelvo31", "Lum31"):
         with harness.Sandbox("session-portrait-" + program_name, screen=(800, 1280)) as box:
             session_screen = program_name.lower()
@@ -211,7 +214,9 @@ def main():
                 back_to_menu(box, checks, program_name, window)
             program.stop()
 
-    # The refusals, each with its own title and text.
+
+def refusals(checks):
+    """The refusals, each with its own title and text."""
     with harness.Sandbox("session-refusals") as box:
         path = first_start(box, "Kelvo31")
         edit_settings(path, {LINE_INSTRUMENT_ENABLED: 0, LINE_GPS_INPUT: 0})
@@ -253,7 +258,9 @@ def main():
                      "Instrument OFF or Disconnected, or wrong COM port selected", "a silent instrument")
         program.stop()
 
-    # The EM34-3 and the EM38 with both frame lengths, and one of the wrong length.
+
+def frame_lengths(checks):
+    """The EM34-3 and the EM38 with both frame lengths, and one of the wrong length."""
     for program_name, model in (("Kelvo34-3", "em34"), ("Kelvo38", "em38-7"), ("Kelvo38", "em38-12")):
         with harness.Sandbox("session-" + model) as box:
             first_start(box, program_name)
@@ -280,7 +287,9 @@ def main():
         program.stop()
         writer.kill()
 
-    # Every other program with the instrument disabled: a GPS-only session.
+
+def gps_only(checks):
+    """Every other program with the instrument disabled: a GPS-only session."""
     with harness.Sandbox("session-gps-only") as box:
         for program_name in ("Kelvo601", "Lum601", "Kelvo61LX2", "Lum61LX2", "Kelvo61MK2", "Lum61MK2",
                              "Lum31", "Lum38", "Lum34-3", "Kelvo38MK2", "Lum38MK2"):
@@ -299,6 +308,16 @@ def main():
             program.stop()
             sim.kill()
 
+
+# Each part is a ctest test of its own, run side by side with the others.
+PARTS = {"em31": live_session, "portrait": portrait, "refusals": refusals, "models": frame_lengths,
+         "gps-only": gps_only}
+
+
+def main():
+    checks = harness.Checks()
+    for part in harness.parts_to_run(PARTS):
+        PARTS[part](checks)
     checks.finish()
 
 

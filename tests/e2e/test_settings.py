@@ -110,6 +110,12 @@ BY_MODEL = {
 DETAIL_PROGRAMS = ["Kelvo31", "Lum601", "Kelvo61LX2"]
 RESET_TITLE = "Reset to Default Setting"
 
+# Each part is a ctest test of its own, run side by side with the others: the
+# first and second starts of every program, and the cases of each program above.
+PARTS = ["first-start"] + DETAIL_PROGRAMS
+# About how long each part runs alone, so that ctest starts the longest first.
+SECONDS = {"first-start": 70, "Kelvo31": 40, "Lum601": 40, "Kelvo61LX2": 40}
+
 
 def expected_lines(model, product):
     lines, navigation_version, map_mode_index = BY_MODEL[model]
@@ -292,14 +298,14 @@ def detail_cases(checks, box, variant):
 
 def main():
     checks = harness.Checks()
-    with harness.Sandbox("settings") as box:
-        variants = {}
-        for name, folder, model, product in harness.VARIANTS:
-            variant = Variant(box, name, folder, model, product)
-            variants[name] = variant
-            first_and_second_start(checks, box, variant)
-        for name in DETAIL_PROGRAMS:
-            detail_cases(checks, box, variants[name])
+    rows = dict((row[0], row) for row in harness.VARIANTS)
+    for part in harness.parts_to_run(PARTS):
+        with harness.Sandbox("settings-" + part) as box:
+            if part == "first-start":
+                for row in harness.VARIANTS:
+                    first_and_second_start(checks, box, Variant(box, *row))
+            else:
+                detail_cases(checks, box, Variant(box, *rows[part]))
     checks.finish()
 
 

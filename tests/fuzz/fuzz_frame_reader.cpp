@@ -10,34 +10,10 @@
 #include "core/variant.h"
 #include "instruments/em38_link_check.h"
 #include "instruments/em_frame_reader.h"
+#include "scripted_port.h"
 #include "testing.h"
 
-namespace {
-
-void Require(bool condition) {
-  if (!condition) abort();
-}
-
-const uint8_t* Script = nullptr;
-size_t ScriptSize = 0;
-size_t ScriptAt = 0;
-uint32_t Clock = 0;
-
-uint32_t ScriptClock() { return Clock; }
-
-int ScriptRead(unsigned char* byte) {
-  if (ScriptAt >= ScriptSize) {
-    Clock += 10;
-    return 0;
-  }
-  Clock += 1;
-  *byte = Script[ScriptAt++];
-  return 1;
-}
-
-void ScriptDelay(int ms) { Clock += (uint32_t)ms; }
-
-}  // namespace
+using namespace fuzzport;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 4) return 0;
@@ -62,10 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
   }
   // The same bytes as the EM38's answer at the start of a session.
-  Script = data + 4;
-  ScriptSize = size - 4;
-  ScriptAt = 0;
-  Clock = 0xFFFFF000u;
+  Play(data + 4, size - 4, 0xFFFFF000u);
   TickOverride = ScriptClock;
   LinkPort port{ScriptRead, nullptr, nullptr, ScriptDelay};
   const int found = Em38LinkCheckWith(port);

@@ -1,6 +1,9 @@
 // Keys, buttons and menu entries of the logging screen become one code each.
+#include <string>
+
 #include "core/state.h"
 #include "core/variant.h"
+#include "instruments/instrument.h"
 #include "session/commands.h"
 #include "testing.h"
 
@@ -126,4 +129,86 @@ TEST(Lx2DigitsAndArrowsAreSoftMarkersNotPauses) {
   CHECK(IsSoftMarkerKey('0'));
   CHECK(IsSoftMarkerKey(KEY_DOWN));
   CHECK(!IsSoftMarkerKey('A'));
+}
+
+TEST(ButtonSetKeysStayOpenInReview) {
+  for (int state : {SESSION_MONITORING, SESSION_STANDBY}) {
+    CHECK_EQ(Key('X', state, 1), CMD_EXIT);
+    CHECK_EQ(Key('M', state, 1), CMD_MENU);
+    CHECK_EQ(Key(KEY_F3, state, 1), CMD_MENU);
+    CHECK_EQ(Key(KEY_F2, state, 1), CMD_FILE_GO_PAUSE);
+  }
+  // Review's own letters keep their meaning there.
+  CHECK_EQ(Key('F', SESSION_MONITORING, 1), CMD_FIT_ALL);
+  CHECK_EQ(Key('I', SESSION_MONITORING, 1), CMD_NONE);
+}
+
+namespace {
+
+CommandGateOutcome Gate(int code, int instrument, int gps, int map, int file) {
+  return GateCommand(code, CommandGateContext{instrument, gps, map, file});
+}
+
+bool SaysOnly(const CommandGateOutcome& out, const char* text) {
+  return out.Run == 0 && out.MessageCount == 1 && std::string(out.Messages[0]) == text;
+}
+
+}  // namespace
+
+TEST(MapDialogsNeedGpsFirstThenTheMap) {
+  for (int code : {CMD_MAP_SIZE, CMD_MAP_DISPLAY_OPTIONS}) {
+    CHECK(SaysOnly(Gate(code, 1, 0, 0, 0), "Option avaiable only when GPS is enabled"));
+    CHECK(SaysOnly(Gate(code, 1, 1, 0, 0), "Option avaiable only when map is visible"));
+    CHECK_EQ(Gate(code, 1, 1, 1, 0).Run, 1);
+    CHECK_EQ(Gate(code, 1, 1, 1, 0).MessageCount, 0);
+    // The map options do not need the instrument.
+    CHECK_EQ(Gate(code, 0, 1, 1, 0).Run, 1);
+  }
+}
+
+TEST(ToggleViewTellsBothReasons) {
+  CommandGateOutcome out = Gate(CMD_TOGGLE_VIEW, 0, 0, 0, 0);
+  CHECK_EQ(out.Run, 0);
+  CHECK_EQ(out.MessageCount, 2);
+  CHECK_EQ(std::string(out.Messages[0]), std::string("Option avaiable only when Instrument is enabled"));
+  CHECK_EQ(std::string(out.Messages[1]), std::string("Option avaiable only when GPS is enabled"));
+  CHECK(SaysOnly(Gate(CMD_TOGGLE_VIEW, 1, 0, 1, 0), "Option avaiable only when GPS is enabled"));
+  CHECK_EQ(Gate(CMD_TOGGLE_VIEW, 1, 1, 0, 0).Run, 1);
+}
+
+TEST(LineStationAndButtonOneNeedTheInstrument) {
+  for (int code : {CMD_NULL_MAPSIZE_QLINE, CMD_NEW_LINE, CMD_NEW_STATION}) {
+    CHECK(SaysOnly(Gate(code, 0, 1, 1, 1), "Option avaiable only when Instrument is enabled"));
+    CHECK_EQ(Gate(code, 1, 0, 0, 0).Run, 1);
+  }
+}
+
+TEST(CommentWithoutFileIsSilentlyRefused) {
+  CommandGateOutcome out = Gate(CMD_COMMENT, 1, 1, 1, 0);
+  CHECK_EQ(out.Run, 0);
+  CHECK_EQ(out.MessageCount, 0);
+  CHECK_EQ(Gate(CMD_COMMENT, 0, 0, 0, 1).Run, 1);
+}
+
+TEST(NullingIsTheEm61FamilysAndNeedsTheInstrument) {
+  for (int model : AllModels()) {
+    SelectVariant(model, MAPPING_PRODUCT);
+    const bool nulls = model == EM61MK2 || model == EM61LX2;
+    CommandGateOutcome off = Gate(CMD_NULLING, 0, 1, 1, 1);
+    CHECK_EQ(off.Run, 0);
+    // Only the nulling instruments tell that the instrument is off; the others stay silent.
+    CHECK_EQ(off.MessageCount, nulls ? 1 : 0);
+    CHECK_EQ(Gate(CMD_NULLING, 1, 1, 1, 1).Run, nulls ? 1 : 0);
+  }
+  SelectVariant(EM31MK2, MAPPING_PRODUCT);
+}
+
+TEST(ColourChannelsNeedGps) {
+  for (int code = CMD_CHANNEL_1; code <= CMD_CHANNEL_1 + 3; ++code) {
+    CHECK(SaysOnly(Gate(code, 1, 0, 1, 1), "Option avaiable only when GPS is enabled"));
+    CHECK_EQ(Gate(code, 1, 1, 0, 0).Run, 1);
+  }
+  // Commands without a condition run.
+  CHECK_EQ(Gate(CMD_GPS_WARNING_MASK, 0, 0, 0, 0).Run, 1);
+  CHECK_EQ(Gate(CMD_COORDINATE_UNITS, 0, 0, 0, 0).Run, 1);
 }

@@ -323,15 +323,6 @@ TEST(ManualModeLogsOneReadingPerPress) {
   CHECK_EQ(logged, std::string("00100010"));
 }
 
-TEST(LogGateTable) {
-  CHECK_EQ(NextLogGate(0, 'M', SURVEY_MANUAL), 1);
-  CHECK_EQ(NextLogGate(1, 'M', SURVEY_MANUAL), -1);
-  CHECK_EQ(NextLogGate(-1, 'M', SURVEY_MANUAL), -1);
-  CHECK_EQ(NextLogGate(-1, 'N', SURVEY_MANUAL), 0);
-  CHECK_EQ(NextLogGate(0, 'M', SURVEY_AUTO), 1);
-  CHECK_EQ(NextLogGate(0, 'N', SURVEY_WHEEL), 1);
-}
-
 TEST(ColourOfTheChosenQuantity) {
   Fresh();
   Session.SessionState = SESSION_LOGGING;

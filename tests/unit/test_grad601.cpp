@@ -300,9 +300,10 @@ TEST(OneSensorDrawsInTheFirstCurveWindowAndTheSingleBar) {
   CHECK_EQ(out.Bars[0].Window, (int)BAR_WINDOW_DECAY);
   CHECK_EQ(out.Bars[0].Index, 0);
   CHECK_EQ(out.Bars[0].Channel, 0);
-  CHECK_EQ(std::string(out.NumberLabels[0]), std::string("G #1:"));
-  CHECK(out.NumberLabels[1] == nullptr);
-  CHECK_EQ(out.NumbersRightAligned, 1);
+  CHECK_EQ(out.NumbersLabelled, 1);
+  CHECK_EQ(out.NumberLineCount, 1);
+  CHECK_EQ(std::string(Instrument().Views.PanelLabels[0]), std::string("G #1:"));
+  CHECK_EQ(Instrument().Views.PanelLabelCount, 1);
 }
 
 TEST(TwoSensorsDrawEachInItsOwnWindowsAndPens) {
@@ -320,7 +321,8 @@ TEST(TwoSensorsDrawEachInItsOwnWindowsAndPens) {
   CHECK_EQ(BarOfChannel(out, 0)->Window, (int)BAR_WINDOW_Q);
   CHECK_EQ(BarOfChannel(out, 1)->Window, (int)BAR_WINDOW_I);
   CHECK_EQ(BarOfChannel(out, 1)->Index, 0);
-  CHECK_EQ(std::string(out.NumberLabels[1]), std::string("G #2:"));
+  CHECK_EQ(out.NumberLineCount, 2);
+  CHECK_EQ(std::string(Instrument().Views.TwoSensorPanelLabels[1]), std::string("G #2:"));
 }
 
 TEST(MapTitlesAreBlankLiveAndReviewInReview) {

@@ -9,8 +9,10 @@
 #include "core/variant.h"
 #include "instruments/instrument.h"
 #include "instruments/reading.h"
+#include "map/background_files.h"
 #include "session/model_status_texts.h"
 #include "session/session_start.h"
+#include "session/session_state.h"
 #include "testing.h"
 
 namespace {
@@ -114,6 +116,24 @@ TEST(SessionStartForgetsTheSensorCountOfSingleSensorInstruments) {
     PrepareSessionState();
     CHECK_EQ(Settings.SensorCount, (model == Grad601 || model == EM61LX2) ? 1 : 0);
   }
+}
+
+// The decay curve's previous channel is the one before the last, as the
+// model's start sets the pair, and no background file of an earlier session
+// is remembered.
+TEST(SessionStartStepsTheDecayChannelBackAndForgetsBackgroundNames) {
+  Start(EM61MK2);
+  Model.DecayChannelLast = 27;
+  BackgroundSet.Count = 3;
+  for (BackgroundFileEntry& file : BackgroundSet.Files) { file.Name[0] = L'x'; file.Name[1] = 0; }
+  PrepareSessionState();
+  CHECK_EQ(Model.DecayChannelPrev, 26);
+  CHECK_EQ(BackgroundSet.Count, 0);
+  for (const BackgroundFileEntry& file : BackgroundSet.Files) CHECK_EQ((int)file.Name[0], 0);
+  Start(EM31MK2);
+  Model.DecayChannelLast = 24;   // the navigation EM31-MK2's last channel
+  PrepareSessionState();
+  CHECK_EQ(Model.DecayChannelPrev, 23);
 }
 
 // Readings a second: under 4 one tick a reading, under 8 every second, under

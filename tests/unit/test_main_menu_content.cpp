@@ -246,9 +246,16 @@ TEST(SummaryOfEm61Lx2) {
   Settings.InstrumentPort = 0;
   Summary();
   CHECK_EQ(ValueOf("EM61-LX2 Port:"), std::string("COM1"));
-  CHECK_EQ(ValueOf("EM61-LX2 Type:"), std::string("Standard N.C.C"));
+  // The summary names the four types of the EM61 family, as for the EM61-MK2.
+  CHECK_EQ(ValueOf("EM61-LX2 Type:"), std::string("High Power"));
   CHECK_EQ(ValueOf("Number of Sensors:"), std::string("2"));
   CHECK_EQ(ValueOf("GPS Input:"), std::string("Enabled"));
+  Settings.Em61Type = 2;
+  Summary();
+  CHECK_EQ(ValueOf("EM61-LX2 Type:"), std::string("Standard N.C.C"));
+  Settings.Em61Type = 3;
+  Summary();
+  CHECK_EQ(ValueOf("EM61-LX2 Type:"), std::string("HP N.C.C."));
 }
 
 TEST(SummaryOfGrad601) {
@@ -313,7 +320,8 @@ TEST(PictureOfTheEm31Boom) {
   CHECK_EQ(p.Instrument.Y, 348);
   CHECK_EQ(p.Instrument.Width, 13);
   CHECK_EQ(p.Instrument.Height, 295);
-  CHECK_EQ(p.Antenna.X, 395);
+  // From the picture's origin: 395 + (int)(6 - 24.6).
+  CHECK_EQ(p.Antenna.X, 377);
   CHECK_EQ(p.Antenna.Y, 495);
   CHECK_EQ(p.Antenna.Radius, 14);
   CHECK_EQ(p.AntennaShown, 1);

@@ -688,6 +688,18 @@ void StartGdiMap(int windowSide, int mapSize) {
   if (Tools.PenCursor == nullptr) CreateMapPens(0);
 }
 
+// A fresh GDI map with `count` data pages, 20 in a row, each with a column
+// of its own drawn (column i % 40 of page i): far more than are held.
+std::vector<uint32_t> DrawIntoManyGdiPages(int count) {
+  StartGdiMap(WINDOW, 40);
+  std::vector<uint32_t> pages;
+  for (int i = 0; i < count; ++i) {
+    pages.push_back(EnsureTile(700 + i % 20, 700 + i / 20, 1));
+    MapDrawing.PageLine(MAP_PEN_POSITION1, i % 40, 0, i % 40, 40);
+  }
+  return pages;
+}
+
 }  // namespace
 #endif
 
@@ -816,14 +828,8 @@ TEST(GdiPagesBeyondTheHeldOnesArePackedAndComeBack) {
 #ifndef _WIN32
   SKIP("GDI pages exist only on Windows");
 #else
-  StartGdiMap(WINDOW, 40);
   const int count = 300;
-  std::vector<uint32_t> pages;
-  for (int i = 0; i < count; ++i) {
-    uint32_t page = EnsureTile(700 + i % 20, 700 + i / 20, 1);
-    MapDrawing.PageLine(MAP_PEN_POSITION1, i % 40, 0, i % 40, 40);   // a column unique to the page
-    pages.push_back(page);
-  }
+  std::vector<uint32_t> pages = DrawIntoManyGdiPages(count);
   CHECK(MapGdiPageCount() <= 96);
   CHECK(MapGdiPackedBytes() > 0);
   int wrong = 0;
@@ -837,5 +843,36 @@ TEST(GdiPagesBeyondTheHeldOnesArePackedAndComeBack) {
   ResetMapCanvas();
   CHECK_EQ(MapGdiPageCount(), 0);
   CHECK_EQ(MapGdiPackedBytes(), 0);
+#endif
+}
+
+// A repaint clears every data page; a packed one is cleared without being
+// unpacked, and is unpacked only when something is drawn into it again.
+TEST(GdiPackedPagesClearedWhiteStayPackedUntilDrawnInto) {
+#ifndef _WIN32
+  SKIP("GDI pages exist only on Windows");
+#else
+  const int count = 300;
+  std::vector<uint32_t> pages = DrawIntoManyGdiPages(count);
+  const long long packedBefore = MapGdiPackedBytes();
+  MapCanvas.MinCol = 700;
+  MapCanvas.MaxCol = 719;
+  MapCanvas.MinRow = 700;
+  MapCanvas.MaxRow = 714;
+  RedrawTiles(REDRAW_DRAWING);
+  CHECK(MapGdiPackedBytes() < packedBefore);
+  CHECK(MapGdiPageCount() <= 96);
+  int wrong = 0;
+  for (int i = 0; i < count; ++i)
+    if (MapPagePixel(pages[i], i % 40, 20) != WHITE_PIXEL) ++wrong;
+  CHECK_EQ(wrong, 0);
+  // Drawn into again, a cleared page keeps what is drawn.
+  EnsureTile(700, 700, 1);
+  MapDrawing.PageLine(MAP_PEN_POSITION1, 7, 0, 7, 40);
+  for (int i = 1; i < count; ++i) EnsureTile(700 + i % 20, 700 + i / 20, 1);
+  CHECK_EQ(MapPagePixel(pages[0], 7, 20), POSITION_PIXEL);
+  CHECK_EQ(MapPagePixel(pages[0], 0, 20), WHITE_PIXEL);
+  ResetMapCanvas();
+  CHECK_EQ(MapGdiPageCount(), 0);
 #endif
 }

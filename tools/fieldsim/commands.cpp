@@ -90,6 +90,20 @@ bool ParseArguments(std::istringstream& words, const std::string& name, Command&
         error = "fault needs no-end, short, letters, long or end-inside";
       return error.empty();
     }
+    case CommandKind::Cut:
+    case CommandKind::Lift:
+      if (!ParseAmount(words, command.Amount)) {
+        error = name + " needs a number of frames";
+        return false;
+      }
+      return true;
+    case CommandKind::Reply:
+      words >> command.Word;
+      if (command.Word != "normal" && command.Word != "none" && command.Word != "wrong" && command.Word != "noisy") {
+        error = "reply needs normal, none, wrong or noisy";
+        return false;
+      }
+      return true;
     default:
       return true;
   }
@@ -107,6 +121,8 @@ bool ParseCommand(const std::string& line, Command& command, std::string& error)
       {"separation", CommandKind::Separation}, {"model", CommandKind::Model},
       {"bad-cr", CommandKind::BadCr},          {"letters", CommandKind::Letters},
       {"fault", CommandKind::Fault},
+      {"cut", CommandKind::Cut},               {"split", CommandKind::Split},
+      {"reply", CommandKind::Reply},           {"lift", CommandKind::Lift},
       {"quit", CommandKind::Quit}};
   std::istringstream words(line);
   std::string name;
@@ -128,6 +144,16 @@ bool ParseCommand(const std::string& line, Command& command, std::string& error)
     return false;
   }
   return true;
+}
+
+std::string GarbageBytes(std::mt19937& random, size_t count, const std::string& never) {
+  std::uniform_int_distribution<int> byte(0, 255);
+  std::string noise;
+  while (noise.size() < count) {
+    const char c = static_cast<char>(byte(random));
+    if (never.find(c) == std::string::npos) noise += c;
+  }
+  return noise;
 }
 
 bool ReadScript(const std::string& path, std::vector<TimedCommand>& script, std::string& error) {

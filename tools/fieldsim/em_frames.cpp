@@ -49,6 +49,8 @@ double FramePeriodMs(InstrumentModel model) {
     case InstrumentModel::Em38Long: return 91.0;
     case InstrumentModel::Grad601: return 91.0;
     case InstrumentModel::Em38Mk2: return 47.0;
+    case InstrumentModel::Em61Mk2:
+    case InstrumentModel::Em61Lx2: return 55.078211059704785;
   }
   return 100.0;
 }

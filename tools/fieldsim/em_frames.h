@@ -7,7 +7,8 @@
 
 namespace fieldsim {
 
-enum class InstrumentModel { Em31, Em34, Em38Short, Em38Long, Grad601, Em38Mk2 };
+// The EM61 family is played by em61_stream.h; its frames are binary.
+enum class InstrumentModel { Em31, Em34, Em38Short, Em38Long, Grad601, Em38Mk2, Em61Mk2, Em61Lx2 };
 
 struct InstrumentSetup {
   InstrumentModel Model = InstrumentModel::Em31;
@@ -17,7 +18,7 @@ struct InstrumentSetup {
   bool Inphase = false;     // EM38: the frame carries the inphase component
   bool HighBit = false;     // EM38: the "divide by 8" range bit; all: see StatusByte
   bool StatusBit7 = false;  // set bit 7 of the status byte as well
-  int Sensors = 2;          // Grad601: one or two sensors
+  int Sensors = 0;          // Grad601, EM61-LX2: one or two sensors; 0 the model's usual (2, 1)
   int Coils = 2;            // EM38-MK2: two coil pairs ("EM38-MK2") or one ("EM38-MK2-1")
   double Celsius = 20.0;    // EM38-MK2: the temperature words
 };

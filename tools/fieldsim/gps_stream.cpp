@@ -96,16 +96,9 @@ void GpsStream::Apply(const Command& command, double now) {
     case CommandKind::Quiet:
       quietUntil_ = now + command.Amount;
       break;
-    case CommandKind::Garbage: {
-      std::uniform_int_distribution<int> byte(0, 255);
-      std::string noise;
-      while (noise.size() < static_cast<size_t>(command.Amount)) {
-        const char c = static_cast<char>(byte(random_));
-        if (c != '$' && c != '\n') noise += c;
-      }
-      port_.Send(noise);
+    case CommandKind::Garbage:
+      port_.Send(GarbageBytes(random_, static_cast<size_t>(command.Amount), "$\n"));
       break;
-    }
     case CommandKind::Overlong: {
       std::string line = "$GPTXT,";
       while (line.size() < static_cast<size_t>(command.Amount)) line += static_cast<char>('0' + line.size() % 10);

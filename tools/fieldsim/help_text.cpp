@@ -4,7 +4,8 @@ namespace fieldsim {
 
 const char* HelpText() {
   return R"(fieldsim - plays a ground survey over serial lines: an NMEA receiver and an
-EM31-MK2 / EM34-3 / EM38 instrument, as the field logger sees them.
+EM31-MK2 / EM34-3 / EM38 / EM61-MK2 / EM61-LX2 instrument, as the field
+logger sees them.
 
 Usage: fieldsim [--gps PATH] [--instrument PATH] [options]
 
@@ -33,7 +34,8 @@ GPS receiver:
 Instrument:
   --instrument PATH     serial device for the instrument's frames (9600 baud)
   --model M             em31 (95.238 ms), em34 (55.078 ms), em38-7 (72 ms,
-                        7-byte frames) or em38-12 (91 ms, 12-byte frames);
+                        7-byte frames), em38-12 (91 ms, 12-byte frames),
+                        em61mk2 or em61lx2 (binary frames after a command);
                         default em31
   --dipole v|h          dipole (default v)
   --range R             range code 0..7 of the status byte (default: 4 for
@@ -48,6 +50,22 @@ Instrument:
                         --coils 2|1 (default 2: "EM38-MK2", 1: "EM38-MK2-1"),
                         --temperature C (default 20)
   --marker-every SEC    press the button for one frame every SEC seconds
+
+EM61-MK2 and EM61-LX2 (idle until 'H' 'X' or 'H' 'W'; frames of 15 bytes):
+  --polled              answer "OK" and send a frame for each 'A'; without it
+                        answer "OV" and send a frame every 55.078 ms
+  --reply R             normal, none (never answer), wrong ("ER") or noisy
+                        (bytes between 'O' and the letter); default normal
+  --sensors N           EM61-LX2: 1 or 2 sensors (default 1)
+  --wheel-step M        Wheel mode ('H' 'W'): a frame per M metres (default 0.2)
+  --target-every M      metal targets on the first line every M metres, in turn
+                        left, between, right and both sides (default 6; 0 none)
+  --target-start M      metres along the first line of the first target
+                        (default: one spacing)
+  --target-amplitude MV peak of a target on the early channel (default 600)
+  --stamp               the fourth channel word carries the frame's number
+  --current N           raw transmitter current word (default 3000)
+  --battery N           battery byte, volts x 6.66757 (default 80)
 
 The walk (values come from a synthetic ground: a conductivity trend and a
 few buried conductive targets along the survey):
@@ -101,6 +119,10 @@ Commands on standard input, one a line (also in --script after "at SEC"):
                         (Grad601) or no end pair (EM38-MK2); a line one byte
                         short; letters in a value; a line of 140 characters;
                         0xFF 0xFF in the data words
+  cut N                 EM61: the next N frames without their 0x7F 0x7F end
+  split                 EM61: the next frame in two writes 40 ms apart
+  lift N                EM61: coils held in the air for N seconds (no ground)
+  reply R               EM61: answer the next commands as --reply R
   quit
 
 Examples:

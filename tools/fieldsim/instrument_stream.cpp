@@ -57,7 +57,7 @@ std::string InstrumentStream::GradientSentence(const LocalPoint& at) {
   const LocalPoint east{at.East + 1.0, at.North};
   const double first = ground_.Inphase(at, 0.5) * 10.0;
   const double second = ground_.Inphase(east, 0.5) * 10.0;
-  return BuildPbarSentence(setup_.Sensors, first, second, fault_);
+  return BuildPbarSentence(setup_.Sensors == 1 ? 1 : 2, first, second, fault_);
 }
 
 // The first coil pair (1 m) looks deeper than the second (0.5 m); the
@@ -104,16 +104,9 @@ void InstrumentStream::Apply(const Command& command, double now) {
     case CommandKind::Quiet:
       quietUntil_ = now + command.Amount;
       break;
-    case CommandKind::Garbage: {
-      std::uniform_int_distribution<int> byte(0, 255);
-      std::string noise;
-      while (noise.size() < static_cast<size_t>(command.Amount)) {
-        const char c = static_cast<char>(byte(random_));
-        if (c != '\r') noise += c;
-      }
-      port_.Send(noise);
+    case CommandKind::Garbage:
+      port_.Send(GarbageBytes(random_, static_cast<size_t>(command.Amount), "\r"));
       break;
-    }
     case CommandKind::Overlong: {
       std::uniform_int_distribution<int> digit('0', '9');
       std::string line;

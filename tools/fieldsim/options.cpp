@@ -60,6 +60,8 @@ ParseResult ParseOptions(int argc, char** argv, Options& o, std::string& error) 
       {"--status-bit7", [&] { o.Instrument.StatusBit7 = true; }},
       {"--divide-by-8", [&] { o.Instrument.HighBit = true; }},
       {"--pace", [&] { o.Pace = true; }},
+      {"--polled", [&] { o.Em61Polled = true; }},
+      {"--stamp", [&] { o.StampFrames = true; }},
       {"--verbose", [&] { o.Verbose = true; }},
   };
   const std::map<std::string, ValueHandler> values = {
@@ -81,6 +83,16 @@ ParseResult ParseOptions(int argc, char** argv, Options& o, std::string& error) 
       {"--coils", [&](const std::string& v) { return ToInteger(v, o.Instrument.Coils) && InRange(o.Instrument.Coils, 1, 2); }},
       {"--temperature", [&](const std::string& v) { return ToNumber(v, o.Instrument.Celsius) && InRange(o.Instrument.Celsius, -50.0, 100.0); }},
       {"--marker-every", [&](const std::string& v) { return ToNumber(v, o.MarkerEverySeconds) && o.MarkerEverySeconds >= 0.0; }},
+      {"--reply", [&](const std::string& v) {
+         o.Em61Reply = v;
+         return v == "normal" || v == "none" || v == "wrong" || v == "noisy";
+       }},
+      {"--wheel-step", [&](const std::string& v) { return ToNumber(v, o.WheelStep) && o.WheelStep > 0.01; }},
+      {"--target-every", [&](const std::string& v) { return ToNumber(v, o.TargetEvery) && o.TargetEvery >= 0.0; }},
+      {"--target-start", [&](const std::string& v) { return ToNumber(v, o.TargetStart) && o.TargetStart >= 0.0; }},
+      {"--target-amplitude", [&](const std::string& v) { return ToNumber(v, o.TargetAmplitude) && o.TargetAmplitude >= 0.0; }},
+      {"--current", [&](const std::string& v) { return ToInteger(v, o.Em61Current) && InRange(o.Em61Current, 0, 32767); }},
+      {"--battery", [&](const std::string& v) { return ToInteger(v, o.Em61Battery) && InRange(o.Em61Battery, 0, 255); }},
       {"--origin", [&](const std::string& v) { return ParseOrigin(v, o.Origin); }},
       {"--lines", [&](const std::string& v) { return ToInteger(v, o.Lines) && InRange(o.Lines, 1, 10000); }},
       {"--line-length", [&](const std::string& v) { return ToNumber(v, o.LineLength) && o.LineLength > 0.0; }},
@@ -136,7 +148,9 @@ bool ParseModel(const std::string& text, InstrumentModel& model) {
                                                                  {"em38-7", InstrumentModel::Em38Short},
                                                                  {"em38-12", InstrumentModel::Em38Long},
                                                                  {"grad601", InstrumentModel::Grad601},
-                                                                 {"em38mk2", InstrumentModel::Em38Mk2}};
+                                                                 {"em38mk2", InstrumentModel::Em38Mk2},
+                                                                 {"em61mk2", InstrumentModel::Em61Mk2},
+                                                                 {"em61lx2", InstrumentModel::Em61Lx2}};
   const auto found = kModels.find(text);
   if (found == kModels.end()) return false;
   model = found->second;

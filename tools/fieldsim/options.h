@@ -26,6 +26,17 @@ struct Options {
   InstrumentSetup Instrument;
   double MarkerEverySeconds = 0.0;
 
+  // EM61-MK2 and EM61-LX2
+  bool Em61Polled = false;       // reply "OK": a frame per 'A'; else "OV", frames unasked
+  std::string Em61Reply = "normal";
+  double WheelStep = 0.2;        // metres of walk per frame in Wheel mode
+  double TargetEvery = 6.0;      // metres between metal targets on the first line; 0 none
+  double TargetAmplitude = 600.0;
+  bool StampFrames = false;      // the last channel word carries the frame's number
+  double TargetStart = 0.0;      // metres along the first line of the first target; 0: one spacing
+  int Em61Current = 3000;        // raw current word
+  int Em61Battery = 80;          // battery byte (/ 6.66757 V)
+
   // The walk
   LatLon Origin{43.6099, -79.6107};
   int Lines = 10;

@@ -8,7 +8,8 @@ the fields where the logger looks for each value, time steps, frame shapes,
 status bits and frame periods. Then it plays every control command and the loss
 and return of a port. Exits 0 when all checks pass, 1 otherwise.
 
-Usage: selfcheck.py [path/to/fieldsim]   (needs socat on the PATH)
+Usage: selfcheck.py [path/to/fieldsim [part ...]]   (needs socat on the PATH;
+       the parts are those of PARTS below, all when none is named)
 """
 
 import math
@@ -476,7 +477,8 @@ def run_gradiometer(binary, directory):
     print("ok  " if not FAILURES else "..  ", name, "- %d sentences, period %.2f ms" % (len(lines), period))
 
 
-def mk2_word(frame, offset):
+def word_at(frame, offset):
+    """The big-endian unsigned word of a binary frame."""
     return (frame[offset] << 8) | frame[offset + 1]
 
 
@@ -505,9 +507,9 @@ def run_em38mk2(binary, directory):
     statuses = [f[1] for f in frames]
     check(statuses[:3] == [6, 6, 6], name + ": vertical frames first: %r" % statuses[:3])
     check(2 in statuses and 3 in statuses, name + ": horizontal frames and a marker in them")
-    check(all(mk2_word(f, 2) == 0x8000 and mk2_word(f, 4) == 0x8000 for f in frames if f[2:4] != b"\xff\xff"),
+    check(all(word_at(f, 2) == 0x8000 and word_at(f, 4) == 0x8000 for f in frames if f[2:4] != b"\xff\xff"),
           name + ": one coil pair: the second pair's words hold 0x8000")
-    celsius = mk2_word(frames[0], 10) * 100 / 13107 - 50
+    celsius = word_at(frames[0], 10) * 100 / 13107 - 50
     check(abs(celsius - 23.5) < 0.01, name + ": temperature word reads %.2f" % celsius)
     sent = [text for _, stream, text in read_log(log) if stream == "instrument"]
     check(sum(1 for t in sent if not t.endswith("\\xFF\\xFF")) == 1, name + ": one frame without its end pair")
@@ -665,6 +667,128 @@ def run_port_loss(binary, directory):
     print("ok  " if not FAILURES else "..  ", name)
 
 
+# ------------------------------------------------------------------ EM61 family
+
+def em61_frames(data):
+    """Frames of 15 bytes ending 0x7F 0x7F, found by their end and letter."""
+    frames = []
+    at = 0
+    while True:
+        end = data.find(b"\x7f\x7f", at)
+        if end < 0:
+            return frames
+        start = end - 13
+        if start >= 0 and data[start:start + 1] in (b"T", b"M", b"J") and data[end:end + 2] == b"\x7f\x7f":
+            frames.append(data[start:end + 2])
+        at = end + 2
+
+
+def em61_word(frame, offset):
+    value = word_at(frame, offset)
+    return value - 65536 if value >= 32768 else value
+
+
+def write_bytes(reader, data):
+    os.write(reader.fd, data)
+
+
+def run_em61(binary, directory, model, extra, polled=False):
+    """The command exchange, frames unasked or per poll, and Wheel mode."""
+    name = "%s%s" % (model, " polled" if polled else "")
+    pair = PtyPair(directory, "em61")
+    reader = Reader(pair.app)
+    log = os.path.join(directory, "em61.log")
+    process = start_fieldsim(binary, ["--instrument", pair.sim, "--model", model, "--speed", "1.5"] + extra +
+                             (["--polled"] if polled else []), log)
+    reader.pump(0.6)
+    check(reader.data() == b"", name + ": sends before a command: %r" % reader.data()[:40])
+    write_bytes(reader, b"H")
+    time.sleep(0.04)
+    write_bytes(reader, b"X")
+    reader.pump(0.3)
+    reply = reader.data()
+    check(reply.startswith(b"OK" if polled else b"OV"), name + ": reply %r" % reply[:20])
+    reader.chunks = []
+    if polled:
+        reader.pump(0.5)
+        check(reader.data() == b"", name + ": frames without a poll")
+        for _ in range(10):
+            write_bytes(reader, b"A")
+            reader.pump(0.1)
+        frames = em61_frames(reader.data())
+        check(len(frames) == 10, name + ": %d frames for 10 polls" % len(frames))
+    else:
+        reader.pump(2.0)
+        frames = em61_frames(reader.data())
+        check(abs(len(frames) - 2000 / 55.078) <= 4, name + ": %d frames in 2 s" % len(frames))
+    check(all(len(f) == 15 and f[1] == 0x14 for f in frames), name + ": frame shape and gain byte")
+    check(all(em61_word(f, 10) == 3000 and f[12] == 80 for f in frames), name + ": current and battery")
+    # Wheel mode: a frame per 0.2 m at 1.5 m/s, 7.5 a second.
+    write_bytes(reader, b"HW")
+    reader.pump(0.3)
+    reader.chunks = []
+    reader.pump(2.0)
+    wheel = em61_frames(reader.data())
+    check(12 <= len(wheel) <= 18, name + ": %d wheel frames in 2 s" % len(wheel))
+    check(any(f[0:1] == b"J" for f in wheel), name + ": no wheel letter 'J'")
+    finish(process, name)
+    reader.close()
+    pair.stop()
+    received = "".join(text for _, stream, text in read_log(log) if stream == "instrument<")
+    check(received.startswith("HX"), name + ": the log keeps what came back: %r" % received[:20])
+    notes = [text for _, stream, text in read_log(log) if stream == "note"]
+    check(any(n.startswith("target left") for n in notes) and any(n.startswith("target both") for n in notes),
+          name + ": target notes %s" % notes[:6])
+    print("ok  " if not FAILURES else "..  ", name)
+
+
+def run_em61_faults(binary, directory):
+    name = "em61 faults"
+    pair = PtyPair(directory, "em61f")
+    reader = Reader(pair.app)
+    log = os.path.join(directory, "em61f.log")
+    process = start_fieldsim(binary, ["--instrument", pair.sim, "--model", "em61lx2", "--sensors", "2",
+                                      "--reply", "none"], log)
+    write_bytes(reader, b"HX")
+    reader.pump(1.0)
+    check(reader.data() == b"", name + ": reply none answered %r" % reader.data()[:20])
+    send(process, "reply wrong")
+    write_bytes(reader, b"HX")
+    reader.pump(0.4)
+    check(reader.data() == b"ER", name + ": reply wrong gave %r" % reader.data()[:20])
+    reader.chunks = []
+    send(process, "reply noisy")
+    write_bytes(reader, b"HX")
+    reader.pump(0.4)
+    check(reader.data().startswith(b"\x13O\xff\x00V"), name + ": reply noisy gave %r" % reader.data()[:20])
+    send(process, "cut 2")
+    reader.pump(0.3)
+    send(process, "split")
+    reader.pump(0.3)
+    send(process, "quiet instrument 1")
+    reader.pump(0.2)
+    quiet_from = time.time()
+    reader.pump(0.7)
+    quiet_to = time.time()
+    write_bytes(reader, b"HX")   # unheard while the cable is out
+    reader.pump(0.8)
+    finish(process, name)
+    reader.close()
+    pair.stop()
+    stream = reader.data()[5:]
+    # Whole frames of 15 bytes and two of 13 without their end.
+    whole = stream.count(b"\x7f\x7f")
+    check(whole > 15 and len(stream) == 15 * whole + 2 * 13,
+          name + ": %d bytes for %d whole frames and two cut ones" % (len(stream), whole))
+    check(all(not (quiet_from < at < quiet_to) for at, _ in reader.chunks), name + ": data while quiet")
+    sent = [text.lower() for _, stream_name, text in read_log(log) if stream_name == "instrument"]
+    halves = [i for i, (a, b) in enumerate(zip(sent, sent[1:])) if len(a) <= 7 * 4 and b.endswith("\\x7f\\x7f")
+              and not a.endswith("\\x7f\\x7f") and not a.endswith("\\x7f")]
+    check(len(halves) >= 1, name + ": no frame split over two writes")
+    check(sent.count("ov") == 0, name + ": a command heard while quiet")
+    print("ok  " if not FAILURES else "..  ", name)
+
+
 def run_command_line(binary):
     help_text = subprocess.run([binary, "--help"], capture_output=True, text=True)
     check(help_text.returncode == 0 and "--gps-option" in help_text.stdout and "dollar-mid" in help_text.stdout,
@@ -673,35 +797,70 @@ def run_command_line(binary):
     check(wrong.returncode == 2 and wrong.stderr, "an option out of range is refused")
 
 
+def gps_options(binary, directory):
+    for option in range(9):
+        run_gps_option(binary, directory, option)
+
+
+def gps_variants(binary, directory):
+    run_gps_option(binary, directory, 7, slam=True)
+    run_gps_option(binary, directory, 7, feet=True)
+    run_gps_option(binary, directory, 0, mixed=True, rate=5)
+    run_gps_option(binary, directory, 3, mixed=True, rate=1, seconds=3.0)
+    run_gps_option(binary, directory, 4, mixed=True, rate=5)
+    run_gps_option(binary, directory, 8, mixed=True, rate=20)
+
+
+def instruments(binary, directory):
+    run_instrument(binary, directory, "em31")
+    run_instrument(binary, directory, "em31", ["--dipole", "h", "--range", "0"], dipole="H")
+    run_instrument(binary, directory, "em34")
+    run_instrument(binary, directory, "em34", ["--dipole", "h", "--separation", "10"], dipole="H", separation=10)
+    run_instrument(binary, directory, "em34", ["--separation", "40"], separation=40)
+    run_instrument(binary, directory, "em38-7")
+    run_instrument(binary, directory, "em38-12", ["--range", "3"])
+    run_instrument_changes(binary, directory)
+
+
+def faults(binary, directory):
+    run_command_line(binary)
+    run_gps_faults(binary, directory)
+    run_instrument_faults(binary, directory)
+    run_port_loss(binary, directory)
+
+
+# The checks mostly wait on real time: ctest runs each part as a test of its
+# own, side by side with the others (tests/list_parts.py lists them).
+def em61(binary, directory):
+    run_em61(binary, directory, "em61mk2", [])
+    run_em61(binary, directory, "em61mk2", [], polled=True)
+    run_em61(binary, directory, "em61lx2", ["--sensors", "2"])
+    run_em61_faults(binary, directory)
+
+
+def gradmk2(binary, directory):
+    run_gradiometer(binary, directory)
+    run_em38mk2(binary, directory)
+
+
+PARTS = {"gps-options": gps_options, "gps-variants": gps_variants, "instruments": instruments, "faults": faults,
+         "em61": em61, "gradmk2": gradmk2}
+SECONDS = {"gps-options": 25, "gps-variants": 20, "instruments": 20, "faults": 15, "em61": 20, "gradmk2": 5}
+
+
 def main():
     if shutil.which("socat") is None:
         print("selfcheck: socat is missing")
         return 1
     binary = find_fieldsim()
+    parts = sys.argv[2:] or list(PARTS)
+    unknown = [part for part in parts if part not in PARTS]
+    if unknown:
+        sys.exit("selfcheck: unknown part %s; the parts are %s" % (", ".join(unknown), ", ".join(PARTS)))
     signal.signal(signal.SIGPIPE, signal.SIG_DFL)
     with tempfile.TemporaryDirectory(prefix="fieldsim-check-") as directory:
-        run_command_line(binary)
-        for option in range(9):
-            run_gps_option(binary, directory, option)
-        run_gps_option(binary, directory, 7, slam=True)
-        run_gps_option(binary, directory, 7, feet=True)
-        run_gps_option(binary, directory, 0, mixed=True, rate=5)
-        run_gps_option(binary, directory, 3, mixed=True, rate=1, seconds=3.0)
-        run_gps_option(binary, directory, 4, mixed=True, rate=5)
-        run_gps_option(binary, directory, 8, mixed=True, rate=20)
-        run_instrument(binary, directory, "em31")
-        run_instrument(binary, directory, "em31", ["--dipole", "h", "--range", "0"], dipole="H")
-        run_instrument(binary, directory, "em34")
-        run_instrument(binary, directory, "em34", ["--dipole", "h", "--separation", "10"], dipole="H", separation=10)
-        run_instrument(binary, directory, "em34", ["--separation", "40"], separation=40)
-        run_instrument(binary, directory, "em38-7")
-        run_instrument(binary, directory, "em38-12", ["--range", "3"])
-        run_gradiometer(binary, directory)
-        run_em38mk2(binary, directory)
-        run_gps_faults(binary, directory)
-        run_instrument_faults(binary, directory)
-        run_instrument_changes(binary, directory)
-        run_port_loss(binary, directory)
+        for part in parts:
+            PARTS[part](binary, directory)
     print("selfcheck: %s" % ("all passed" if not FAILURES else "%d failures" % len(FAILURES)))
     return 0 if not FAILURES else 1
 

@@ -136,7 +136,9 @@ void SerialPort::ReadBack(double now) {
   char buffer[512];
   const ssize_t got = read(fd_, buffer, sizeof buffer);
   if (got > 0) {
-    log_.Write(stream_ + "<", std::string(buffer, static_cast<size_t>(got)));
+    const std::string bytes(buffer, static_cast<size_t>(got));
+    log_.Write(stream_ + "<", bytes);
+    if (OnReceive) OnReceive(bytes, now);
   } else if (got == 0 || (errno != EAGAIN && errno != EINTR)) {
     Lose(got == 0 ? "end of file" : strerror(errno), now);
   }

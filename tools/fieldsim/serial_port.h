@@ -6,6 +6,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <string>
 
 #include "send_log.h"
@@ -24,6 +25,9 @@ class SerialPort {
   void CloseForGood();
   bool IsOpen() const { return fd_ >= 0; }
   const std::string& Stream() const { return stream_; }
+
+  // Bytes the logger wrote, for a device that answers them.
+  std::function<void(const std::string&, double)> OnReceive;
 
   // Integration with the poll loop of the simulator.
   int Fd() const { return fd_; }

@@ -63,7 +63,13 @@ void Simulator::CreateLinks() {
     instrumentPort_ = std::make_unique<SerialPort>("instrument", options_.InstrumentPath,
                                                    options_.Instrument.Model == InstrumentModel::Em38Mk2 ? 19200 : 9600, options_.Pace, log_,
                                                    options_.Verbose);
-    instrument_ = std::make_unique<InstrumentStream>(options_, *walk_, *ground_, *instrumentPort_, random_, startMono_);
+    const InstrumentModel model = options_.Instrument.Model;
+    if (model == InstrumentModel::Em61Mk2 || model == InstrumentModel::Em61Lx2) {
+      em61_ = std::make_unique<Em61Stream>(options_, *walk_, *instrumentPort_, log_, random_, startMono_);
+      instrumentPort_->OnReceive = [this](const std::string& bytes, double now) { em61_->Receive(bytes, now); };
+    } else {
+      instrument_ = std::make_unique<InstrumentStream>(options_, *walk_, *ground_, *instrumentPort_, random_, startMono_);
+    }
   }
 }
 
@@ -83,6 +89,7 @@ int Simulator::Run() {
     ServePorts(now);  // a port that came back must be open before the epoch is due
     if (gps_) gps_->Tick(now);
     if (instrument_) instrument_->Tick(now);
+    if (em61_) em61_->Tick(now);
     ServePorts(now);
     WaitForWork(now);
   }
@@ -95,6 +102,7 @@ double Simulator::NextDeadline(double now) const {
   if (nextScript_ < script_.size()) deadline = std::min(deadline, startMono_ + script_[nextScript_].At);
   if (gps_) deadline = std::min({deadline, gps_->NextDeadline(), gpsPort_->NextDeadline()});
   if (instrument_) deadline = std::min({deadline, instrument_->NextDeadline(), instrumentPort_->NextDeadline()});
+  if (em61_) deadline = std::min({deadline, em61_->NextDeadline(), instrumentPort_->NextDeadline()});
   return deadline;
 }
 
@@ -166,7 +174,9 @@ void Simulator::Execute(const Command& command, const std::string& text, double 
   const bool instrumentOnly = command.Kind == CommandKind::Marker || command.Kind == CommandKind::Hold ||
                               command.Kind == CommandKind::Dipole || command.Kind == CommandKind::Separation ||
                               command.Kind == CommandKind::Model || command.Kind == CommandKind::BadCr ||
-                              command.Kind == CommandKind::Letters || command.Kind == CommandKind::Fault;
+                              command.Kind == CommandKind::Letters || command.Kind == CommandKind::Fault ||
+                              command.Kind == CommandKind::Cut || command.Kind == CommandKind::Split ||
+                              command.Kind == CommandKind::Reply || command.Kind == CommandKind::Lift;
   const bool forInstrument = instrumentOnly ||
                              ((command.Kind == CommandKind::Quiet || command.Kind == CommandKind::Garbage ||
                                command.Kind == CommandKind::Close || command.Kind == CommandKind::Overlong) &&
@@ -179,7 +189,9 @@ void Simulator::Execute(const Command& command, const std::string& text, double 
   log_.Write("note", "command: " + text);
   if (command.Kind == CommandKind::Close) {
     port->CloseForGood();
-  } else if (forInstrument) {
+  } else if (forInstrument && em61_) {
+    em61_->Apply(command, now);
+  } else if (forInstrument && instrument_) {
     instrument_->Apply(command, now);
   } else {
     gps_->Apply(command, now);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "commands.h"
+#include "em61_stream.h"
 #include "ground.h"
 #include "gps_stream.h"
 #include "instrument_stream.h"
@@ -45,6 +46,7 @@ class Simulator {
   std::unique_ptr<SerialPort> gpsPort_, instrumentPort_;
   std::unique_ptr<GpsStream> gps_;
   std::unique_ptr<InstrumentStream> instrument_;
+  std::unique_ptr<Em61Stream> em61_;
   std::vector<TimedCommand> script_;
   size_t nextScript_ = 0;
   double startMono_ = 0.0;

@@ -2,15 +2,26 @@
 // child controls, for the end-to-end tests: child controls are no X windows,
 // so their texts and places can only be read from inside.
 // Output, one line each: depth (0 top-level, 1 any descendant), handle, class, id, visible, enabled,
-// screen rectangle, text.
+// screen rectangle, text (of an edit its contents, of a combo box its chosen entry).
 #include <windows.h>
 
 #include <cstdio>
 
+// Edits and combo boxes keep their text themselves: another process reads it
+// only by asking the control (a combo box answers with its chosen entry).
+static bool KeepsOwnText(const wchar_t* cls) {
+  return lstrcmpiW(cls, L"Edit") == 0 || lstrcmpiW(cls, L"ComboBox") == 0;
+}
+
 static void PrintWindow(HWND window, int depth) {
   wchar_t cls[128] = L"", text[512] = L"";
   GetClassNameW(window, cls, 128);
-  GetWindowTextW(window, text, 512);
+  if (KeepsOwnText(cls)) {
+    DWORD_PTR copied = 0;
+    SendMessageTimeoutW(window, WM_GETTEXT, 512, (LPARAM)text, SMTO_ABORTIFHUNG, 500, &copied);
+  } else {
+    GetWindowTextW(window, text, 512);
+  }
   RECT r;
   GetWindowRect(window, &r);
   char narrowCls[128], narrowText[512];

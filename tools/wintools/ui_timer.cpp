@@ -5,6 +5,10 @@
 //                               child control with id ID exists
 //   ui_timer paint TITLE COUNT  repaints the window COUNT times and prints the
 //                               median and worst milliseconds of one paint
+//   ui_timer command TITLE ID   sends the command of button or menu entry ID
+//                               to the logging screen and prints the
+//                               milliseconds until its handler returns: the
+//                               whole command, its drawing included
 #include <windows.h>
 
 #include <algorithm>
@@ -64,6 +68,18 @@ int Paint(HWND frame, int count) {
   return 0;
 }
 
+int Command(HWND frame, int id) {
+  HWND screen = FindWindowExW(frame, nullptr, L"ScreenLogWnd", nullptr);
+  if (!screen) {
+    printf("no logging screen\n");
+    return 1;
+  }
+  const double start = Now();
+  SendMessageW(screen, WM_COMMAND, (WPARAM)id, 0);
+  printf("%.1f\n", Now() - start);
+  return 0;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
@@ -75,5 +91,6 @@ int wmain(int argc, wchar_t** argv) {
   }
   if (wcscmp(argv[1], L"logging") == 0) return Logging(frame, _wtoi(argv[3]));
   if (wcscmp(argv[1], L"paint") == 0) return Paint(frame, _wtoi(argv[3]));
+  if (wcscmp(argv[1], L"command") == 0) return Command(frame, _wtoi(argv[3]));
   return 2;
 }
