@@ -32,16 +32,18 @@ enum CalibrationStepId {
   STEP_NOT_ROTATED = 6,
 };
 
+// The running calibration [main: the commands and the reading handler].
 struct OffsetCalibrationRecord {
-  int State = CALIBRATION_IDLE;
-  int Phase = 0;
-  int Step = 0;
-  int Count = 0;
-  uint32_t StartTick = 0;
-  double Sums[8] = {};          // vertical C1, I1, C2, I2, then horizontal C1, I1, C2, I2
-  double Saved[MK2_OFFSETS] = {};
-  double VerticalMeanC1 = 0.0;
-  double VerticalMeanC2 = 0.0;
+  int State = CALIBRATION_IDLE;  // CALIBRATION_IDLE or CALIBRATION_RUNNING
+  int Phase = 0;                 // 0, CALIBRATION_PHASE_VERTICAL or CALIBRATION_PHASE_REST
+  int Step = 0;                  // CalibrationStepId of the second phase
+  int Count = 0;                 // readings summed in this sampling
+  uint32_t StartTick = 0;        // ms, start of the phase or step
+  double Sums[8] = {};           // vertical C1, I1, C2, I2 (mS/m, ppt), then horizontal
+  double Saved[MK2_OFFSETS] = {};   // the offsets at the start, put back on a failure
+  double VerticalMeanC1 = 0.0;   // mS/m
+  double VerticalMeanC2 = 0.0;   // mS/m
+  int GpsHeld = 0;               // the GPS reader was suspended for the calibration
 };
 
 extern OffsetCalibrationRecord OffsetCalibration;

@@ -12,10 +12,11 @@ constexpr int MK2_LINE_BYTES = 200;
 constexpr int MK2_LINE_LIMIT = 180;      // a longer run without a frame is thrown away
 constexpr int MK2_AUDIO_EVERY = 10;      // one tick each tenth frame while logging
 
+// The bytes being searched for a frame [reader].
 struct Mk2ReaderRecord {
   unsigned char Line[MK2_LINE_BYTES] = {};
-  int Index = -1;          // where the last byte went
-  int AudioCount = 0;
+  int Index = -1;          // where the last byte went; -1 for an empty line
+  int AudioCount = 0;      // frames while Logging since the last tick, 0 to 9
 };
 
 extern Mk2ReaderRecord Mk2Reader;

@@ -7,6 +7,7 @@
 struct ReadingOutcome;
 struct Mk2Reading;
 
+// What the handler keeps between readings [main].
 struct Mk2HandlerRecord {
   int LogGate = 0;      // 1 log this reading; in Manual 0 waiting for a press, -1 press held
 };

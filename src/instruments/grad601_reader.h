@@ -10,9 +10,10 @@ constexpr int PBAR_LINE_BYTES = 200;
 constexpr int PBAR_LINE_LIMIT = 180;     // a longer line without its LF is thrown away
 constexpr int PBAR_LEAST_LENGTH = 9;     // bytes from '$' to the CR, both counted
 
+// The sentence being read [reader].
 struct PbarReaderRecord {
-  unsigned char Line[PBAR_LINE_BYTES] = {};
-  int Length = 0;
+  unsigned char Line[PBAR_LINE_BYTES] = {};   // bytes from the '$' on
+  int Length = 0;          // bytes in Line
   int UnderWay = 0;        // a '$' was seen and no LF since
 };
 

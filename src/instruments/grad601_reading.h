@@ -15,8 +15,9 @@ struct GradientValues {
 // is no number as far as it is one.
 GradientValues ReadGradients(const char* sentence, int twoSensors);
 
+// What the handler keeps between readings [main].
 struct GradientHandlerRecord {
-  int AudioCount = 0;      // 0, 1, 2, 3: the tick plays at 0
+  int AudioCount = 0;      // logged records 0, 1, 2, 3: the tick plays at 0
 };
 
 extern GradientHandlerRecord GradientHandler;

@@ -17,15 +17,13 @@ namespace {
 constexpr DWORD GPS_SETTLE_MS = 5;
 constexpr COLORREF PROMPT_COLOUR = RGB(255, 0, 0);
 
-int GpsHeldForCalibration = 0;
-
 bool OffsetCalibrationOffered() { return Instrument().Commands.Calibration == CALIBRATION_OFFSETS; }
 
 // The GPS reader stands still for the timed steps.
 void HoldGps() {
   if (Settings.GpsInput == 1 && GpsLink.GpsHandle != NO_HANDLE && GpsLink.GpsThread != NO_HANDLE) {
     SuspendThread((HANDLE)GpsLink.GpsThread);
-    GpsHeldForCalibration = 1;
+    OffsetCalibration.GpsHeld = 1;
   }
   if (LoggingWindows.Speed) ShowWindow(LoggingWindows.Speed, SW_HIDE);
 }
@@ -33,8 +31,8 @@ void HoldGps() {
 void ReleaseGps() {
   if (Settings.GpsInput != 1) return;
   if (LoggingWindows.Speed && LoggingLayout.Speed.Shown) ShowWindow(LoggingWindows.Speed, SW_SHOW);
-  if (GpsHeldForCalibration && GpsLink.GpsThread != NO_HANDLE) ResumeThread((HANDLE)GpsLink.GpsThread);
-  GpsHeldForCalibration = 0;
+  if (OffsetCalibration.GpsHeld && GpsLink.GpsThread != NO_HANDLE) ResumeThread((HANDLE)GpsLink.GpsThread);
+  OffsetCalibration.GpsHeld = 0;
   PurgeBoth(GpsLink.GpsHandle);
   DelayMs(GPS_SETTLE_MS);
 }
@@ -67,9 +65,9 @@ void LeaveOffsetCalibrationOnScreen() {
 }
 
 void AbandonCalibrationAtExit() {
-  if (AbandonOffsetCalibration() && GpsHeldForCalibration && GpsLink.GpsThread != NO_HANDLE)
+  if (AbandonOffsetCalibration() && OffsetCalibration.GpsHeld && GpsLink.GpsThread != NO_HANDLE)
     ResumeThread((HANDLE)GpsLink.GpsThread);
-  GpsHeldForCalibration = 0;
+  OffsetCalibration.GpsHeld = 0;
 }
 
 void DrawCalibrationPrompt(HWND screen, const char* text) {
