@@ -1,11 +1,15 @@
 #include "instruments/grad601_reading.h"
 
+#include <cstring>
+
 #include "core/state.h"
 #include "core/text.h"
 #include "datafile/records.h"
+#include "datafile/replay_map.h"
 #include "gps/reading_bucket.h"
 #include "instruments/instrument.h"
 #include "instruments/reading.h"
+#include "instruments/record_reading.h"
 #include "map/colour_scale.h"
 #include "map/profile_views.h"
 
@@ -16,6 +20,7 @@ namespace {
 constexpr int FIELD_CHARS = 128;
 constexpr int SECOND_SENSOR_BASE = 64;   // two sensors: class of G2 x 64 + class of G1
 constexpr int TICK_EVERY = 4;
+constexpr int RECORD_TEXT_COLUMNS = 16;  // the tick stands from column 16 on
 
 double FieldValue(const char* sentence, int n) {
   char field[FIELD_CHARS];
@@ -27,10 +32,30 @@ int ClassOf(double value) {
   return ReadingColourClass(value, Settings.ScaleMin, Scales.ColourWidth, ColourIndexCount - 1);
 }
 
+int ReplayClassOf(double value) { return ReplayColourClass(value, 0); }
+
+// The colour image's entry: with two sensors the class of G2 x 64 + the class of G1.
+int32_t ColourEntry(const GradientValues& g, int two, int (*classOf)(double)) {
+  return two ? classOf(g.G2) * SECOND_SENSOR_BASE + classOf(g.G1) : classOf(g.G1);
+}
+
 void AddColour(const GradientValues& g, int two) {
   if (Settings.MapDisplayMode <= 0) return;
-  if (two) AddClassToBucket(ClassOf(g.G2) * SECOND_SENSOR_BASE + ClassOf(g.G1));
-  else AddClassToBucket(ClassOf(g.G1));
+  AddClassToBucket(ColourEntry(g, two, ClassOf));
+}
+
+// The reading tags a replay accepts; a station, a pause and a line's start
+// are read by the passes themselves.
+bool IsReadingTag(unsigned char tag) { return tag && strchr("TDEFMNPQ", tag) != nullptr; }
+
+// The gradients of a record's text, read as the sentence is.
+bool RecordGradients(const unsigned char* record, GradientValues& g) {
+  if (!IsReadingTag(record[0])) return false;
+  char text[RECORD_TEXT_COLUMNS + 1];
+  memcpy(text, record, RECORD_TEXT_COLUMNS);
+  text[RECORD_TEXT_COLUMNS] = 0;
+  g = ReadGradients(text, TwoSensorsInUse() ? 1 : 0);
+  return true;
 }
 
 int TickDue() {
@@ -92,4 +117,32 @@ void HandleGradientReading(ReadingOutcome& out) {
   }
   Numbers(out, g, two);
   Link.FrameBuffer[0] = 0;
+}
+
+const char* const GradientValueNames[1] = {"G [nT/m]"};
+
+int ReplayGradientColourEntry(const unsigned char* record, int32_t& entry) {
+  GradientValues g;
+  if (Settings.MapDisplayMode <= 0 || !RecordGradients(record, g)) return 0;
+  entry = ColourEntry(g, TwoSensorsInUse() ? 1 : 0, ReplayClassOf);
+  return 1;
+}
+
+int ReplayGradientProfileReading(const unsigned char* record, ReadingOutcome& out) {
+  GradientValues g;
+  if (!RecordGradients(record, g)) return 0;
+  StripPositions(out, g, TwoSensorsInUse() ? 1 : 0, 1);
+  return PROFILE_OWN_COLUMN;
+}
+
+int GradientRecordValues(const unsigned char* record, RecordReading& out) {
+  GradientValues g;
+  if (!RecordGradients(record, g)) return 0;
+  out.Values[0] = g.G1;
+  out.Valid[0] = 1;
+  if (TwoSensorsInUse()) {
+    out.Values[1] = g.G2;
+    out.Valid[1] = 1;
+  }
+  return 1;
 }

@@ -2,8 +2,10 @@
 // `FrameBuffer`, the record while Logging, the colour classes, the tick every
 // fourth record, the station, and what the panel, strips and bars show.
 #pragma once
+#include <cstdint>
 
 struct ReadingOutcome;
+struct RecordReading;
 
 struct GradientValues {
   double G1 = 0.0;
@@ -26,3 +28,12 @@ void ResetGradientHandler();
 
 // The row's reading handler.
 void HandleGradientReading(ReadingOutcome& out);
+
+// A reading record of the data file read again: 'T' (or another reading tag),
+// "$P", then the sentence from its first comma; the first 16 columns are its
+// text. The colour entry of the map's image (0 when it gives none), the
+// curves of the profile, and the values of the export (one a sensor, nT/m).
+int ReplayGradientColourEntry(const unsigned char* record, int32_t& entry);
+int ReplayGradientProfileReading(const unsigned char* record, ReadingOutcome& out);
+int GradientRecordValues(const unsigned char* record, RecordReading& out);
+extern const char* const GradientValueNames[1];

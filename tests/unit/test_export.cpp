@@ -875,6 +875,73 @@ TEST(TwoSensorsGiveARowEach) {
   CHECK_EQ(Occurrences(r.GeoJson, "\"type\":\"Point\""), 4);
 }
 
+TEST(Grad601GradientsStandInARowForEachSensor) {
+  PrepareSurvey(Grad601, MAPPING_PRODUCT);
+  Settings.SensorCount = 1;   // two sensors
+  BeginSurvey();
+  double la, lo;
+  OffsetDegrees(LATITUDE, LONGITUDE, 0.0, 0.0, la, lo);
+  AddPosition(la, lo, 200000, 36000.0);
+  // 'T', "$P", the sentence "$PBAR,+12.3,-4.5" from its first comma, the tick at 16.
+  SurveyBuilder.Bytes += "T$P,+12.3,-4.5      200500\n";
+  OffsetDegrees(LATITUDE, LONGITUDE, 0.0, 1.0, la, lo);
+  AddPosition(la, lo, 201000, 36001.0);
+  const RunOutputs r = RunOn(SurveyBuilder.Bytes, {"--csv", "c"});
+  CHECK_EQ(r.Status, EXPORT_DONE);
+  const std::vector<std::string> rows = Lines(r.Csv);
+  CHECK_EQ(rows[0].substr(rows[0].size() - 9), std::string(",G [nT/m]"));
+  CHECK_EQ((int)rows.size(), 1 + 2);
+  CHECK_EQ(Field(rows[1], 3), std::string("200500"));
+  CHECK_EQ(Field(rows[1], 6), std::string("1"));
+  CHECK_EQ(Field(rows[1], 12), std::string("12.3000"));
+  CHECK_EQ(Field(rows[2], 6), std::string("2"));
+  CHECK_EQ(Field(rows[2], 12), std::string("-4.5000"));
+}
+
+TEST(Em38Mk2ValuesTakeTheCalibrationTheFileHoldsAtTheirPlace) {
+  PrepareSurvey(EM38MK2, MAPPING_PRODUCT);
+  Settings.Em38Mk2Type = 0;   // both coil pairs
+  // The header's "O1" to "O6": 1.5, 30, 0.25, 0.5, 0.125, 0.0625.
+  const double first[6] = {1.5, 30.0, 0.25, 0.5, 0.125, 0.0625};
+  for (int k = 0; k < 6; ++k) CalibrationValues.Em38Mk2Offsets[k] = first[k];
+  BeginSurvey();
+  double la, lo;
+  OffsetDegrees(LATITUDE, LONGITUDE, 0.0, 0.0, la, lo);
+  AddPosition(la, lo, 200000, 36000.0);
+  // The frame: 'T', status, then big-endian words c2 0x7E00, i2 0x9000, c1
+  // 0x8400, i1 0x8800, t1, t2; B = ((r x 5) / 1024 - 160) x 8 gives -20, 160,
+  // 40, 80. Two blanks, the tick.
+  const unsigned char words[12] = {0x7E, 0x00, 0x90, 0x00, 0x84, 0x00, 0x88, 0x00, 0x4E, 0x20, 0x00, 0x00};
+  auto reading = [&](char status, const char* tick) {
+    return std::string("T") + status + std::string((const char*)words, 12) + "  " + tick + "\n";
+  };
+  SurveyBuilder.Bytes += reading(6, "    200300");   // vertical, no marker
+  // A calibration in the survey: "O1" -2.5 (was 1.5) .. "O6" 0.25 (was 0.0625).
+  SurveyBuilder.Bytes += "O1    -2.500      1.500   \nO2     0.000     30.000   \nO3     1.000      0.250   \n"
+                         "O4     0.000      0.500   \nO5     0.500      0.125   \nO6     0.250      0.062   \n";
+  SurveyBuilder.Bytes += reading(3, "    200600");   // horizontal, marker
+  OffsetDegrees(LATITUDE, LONGITUDE, 0.0, 1.0, la, lo);
+  AddPosition(la, lo, 201000, 36001.0);
+  const RunOutputs r = RunOn(SurveyBuilder.Bytes, {"--csv", "c"});
+  CHECK_EQ(r.Status, EXPORT_DONE);
+  const std::vector<std::string> rows = Lines(r.Csv);
+  CHECK_EQ(rows[0].substr(rows[0].find("C_V_1m")),
+           std::string("C_V_1m [mS/m],C_H_1m [mS/m],I_V_1m [ppt],I_H_1m [ppt],C_V_0.5m [mS/m],C_H_0.5m [mS/m],"
+                       "I_V_0.5m [ppt],I_H_0.5m [ppt]"));
+  CHECK_EQ((int)rows.size(), 1 + 2);
+  // Vertical with the header's offsets: C1 40 + 1.5, I1 80 x 0.028819 - 0.25,
+  // C2 -20 + 30, I2 160 x 0.00720475 - 0.5; the horizontal channels empty.
+  const char* vertical[8] = {"41.5000", "", "2.0555", "", "10.0000", "", "0.6528", ""};
+  // Horizontal with the survey's: C1 40 - 2.5, I1 2.30552 - 0.5, C2 -20 + 0, I2 1.15276 - 0.25.
+  const char* horizontal[8] = {"", "37.5000", "", "1.8055", "", "-20.0000", "", "0.9028"};
+  for (int v = 0; v < 8; ++v) {
+    CHECK_EQ(Field(rows[1], 12 + v), std::string(vertical[v]));
+    CHECK_EQ(Field(rows[2], 12 + v), std::string(horizontal[v]));
+  }
+  CHECK_EQ(Field(rows[1], 5), std::string("0"));
+  CHECK_EQ(Field(rows[2], 5), std::string("1"));
+}
+
 TEST(GeoJsonKmlAndThePictureHoldTheReadingsAndTheTracks) {
   WalkEast(6, 3);
   NewLine(L"2", 100.0, -1.0);

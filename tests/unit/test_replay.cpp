@@ -928,6 +928,166 @@ TEST(Em61ReplayTakesOnlyItsReadingLetters) {
   CHECK_EQ(ProfileReplayPlan.ColumnCount, 1);
 }
 
+// ---------------------------------------------------------------- Grad601 and EM38-MK2
+
+namespace {
+
+// A Grad601 reading record: 'T', "$P", the sentence from its first comma,
+// blanks to column 16, the tick.
+std::string GradientRecord(const char* fields, char tag = 'T') {
+  std::string text = std::string(1, tag) + "$P" + fields;
+  text.resize(16, ' ');
+  return Record(text + "      5000");
+}
+
+// An EM38-MK2 reading record: the frame's 14 bytes, two blanks, the tick.
+// The words (big-endian) stand for B = ((r x 5) / 1024 - 160) x 8:
+// c2 0x7E00 -20, i2 0x9000 160, c1 0x8400 40, i1 0x8800 80; t1 0x4E20, t2 0.
+std::string Mk2Record(unsigned char status, char tag = 'T') {
+  const unsigned char frame[14] = {(unsigned char)tag, status, 0x7E, 0x00, 0x90, 0x00, 0x84, 0x00,
+                                   0x88, 0x00, 0x4E, 0x20, 0x00, 0x00};
+  return std::string((const char*)frame, 14) + "        5000\n";
+}
+
+// "O1" to "O6": the value as "%10.3f", a blank, the value it replaced, three blanks.
+std::string OffsetRecords(const double values[6], const double previous[6]) {
+  std::string bytes;
+  for (int k = 0; k < 6; ++k) {
+    char text[40];
+    snprintf(text, sizeof text, "O%d%10.3f %10.3f   ", k + 1, values[k], previous[k]);
+    bytes += Record(text);
+  }
+  return bytes;
+}
+
+// The file's first calibration: O1 1.5, O2 30, O3 0.25, O4 0.5, O5 0.125, O6 0.0625.
+const double FIRST_OFFSETS[6] = {1.5, 30.0, 0.25, 0.5, 0.125, 0.0625};
+const double NO_OFFSETS[6] = {};
+// A calibration in the survey: O1 -2.5, O2 0, O3 1, O4 0, O5 0.5, O6 0.25.
+const double SECOND_OFFSETS[6] = {-2.5, 0.0, 1.0, 0.0, 0.5, 0.25};
+
+std::string Mk2Header() {
+  return Record("KLV38MK2W228GPS0000200 1") + OffsetRecords(FIRST_OFFSETS, NO_OFFSETS) +
+         Record("X$STARTED        5000");
+}
+
+// Pens of one segment 9 pixels long with the readings between its lines.
+std::vector<int> SegmentPens(const std::string& header, const std::string& readings) {
+  ReplayMapOf(header + Record("{0             0.000") + CornerSet(1, 0.5, 2.5, 0.5, 1.5) + readings +
+              CornerSet(2, 1.4, 2.5, 1.4, 1.5));
+  return PensDrawn();
+}
+
+}  // namespace
+
+TEST(Grad601ColoursEachReadingByItsFirstGradient) {
+  Fresh(4, Grad601, 1);
+  Settings.SensorCount = 0;
+  Settings.ScaleMin = -50.0;   // 2 nT/m a class
+  Settings.ScaleMax = 50.0;
+  // -49.0: class 0; +0.5: trunc(50.5 / 2) = 25; +49.9: trunc(99.9 / 2) = 49.
+  const std::vector<int> pens = SegmentPens(Header(), GradientRecord(",-49.0") + GradientRecord(",+0.5") +
+                                                          GradientRecord(",+49.9"));
+  CHECK_EQ(pens.size(), 9u);
+  const int expected[9] = {0, 0, 0, 25, 25, 25, 49, 49, 49};
+  for (int i = 0; i < 9 && i < (int)pens.size(); ++i) CHECK_EQ(pens[(size_t)i], MAP_PEN_COLOUR_CLASS + expected[i]);
+  CHECK_EQ(ReplayMapCounts.Readings, 3);
+}
+
+TEST(Grad601WithTwoSensorsGivesTheSecondClassTimes64PlusTheFirst) {
+  Fresh(4, Grad601, 1);
+  Settings.ScaleMin = -50.0;
+  Settings.ScaleMax = 50.0;
+  // +12.3: trunc(62.3 / 2) = 31; -4.5: trunc(45.5 / 2) = 22.
+  const std::string record = GradientRecord(",+12.3,-4.5");
+  const auto entryOf = Instrument().Reading.ReplayColourEntry;
+  int32_t entry = -1;
+  Settings.SensorCount = 1;
+  CHECK_EQ(entryOf((const unsigned char*)record.data(), entry), 1);
+  CHECK_EQ(entry, 22 * 64 + 31);
+  Settings.SensorCount = 0;
+  CHECK_EQ(entryOf((const unsigned char*)record.data(), entry), 1);
+  CHECK_EQ(entry, 31);
+  // Only reading tags are readings; an empty field reads 0: class 25.
+  for (char tag : {'D', 'M', 'Q'}) {
+    const std::string other = GradientRecord(",,", tag);
+    CHECK_EQ(entryOf((const unsigned char*)other.data(), entry), 1);
+    CHECK_EQ(entry, 25);
+  }
+  for (const char* text : {"S        2.00", "X$STARTED        5000", "Z01022024 10:00:00", "O1     1.000"})
+    CHECK_EQ(entryOf((const unsigned char*)Record(text).data(), entry), 0);
+}
+
+TEST(Grad601ProfileGivesEachSensorItsWindow) {
+  FreshProfile(Grad601);
+  // +12.3 is pixel trunc((500 - 12.3) x 0.2) = 97; -4.5 trunc(504.5 x 0.2) = 100; +100.0 80.
+  const std::string file = Header() + GradientRecord(",+1.0,+1.0") + Record("Z01022024 10:00:00") +
+                           GradientRecord(",+12.3,-4.5") + Record("S        2.00") + GradientRecord(",+100.0,+0.0");
+  Settings.SensorCount = 0;
+  PlanProfileReplay(FileOf(file), 200);
+  CHECK_EQ(Columns(), std::string("0:97 - 0:80"));
+  CHECK_EQ(ProfileReplayPlan.StoppedAtLineStart, 1);
+  CHECK_EQ(ProfileReplayPlan.Columns[0].Window[0], (int)CURVE_WINDOW_FIRST);
+  Settings.SensorCount = 1;
+  PlanProfileReplay(FileOf(file), 200);
+  CHECK_EQ(Columns(), std::string("0:97,1:100 - 0:80,1:100"));
+  CHECK_EQ(ProfileReplayPlan.Columns[0].Window[0], (int)CURVE_WINDOW_UPPER);
+  CHECK_EQ(ProfileReplayPlan.Columns[0].Window[1], (int)CURVE_WINDOW_LOWER);
+  CHECK_EQ(ProfileReplayPlan.Columns[0].Pen[1], 1);
+}
+
+TEST(Em38Mk2MapTakesTheOffsetsOfTheFilesHeader) {
+  // The offsets in use now are not those of the file: the replay must not take them.
+  for (int mode = 1; mode <= 4; ++mode) {
+    Fresh(4, EM38MK2, mode);
+    Settings.Em38Mk2Type = 0;
+    Settings.ScaleMin = 0.0;     // 2 mS/m a class
+    Settings.ScaleMax = 100.0;
+    Settings.Scale2Min = -5.0;   // 0.2 ppt a class
+    Settings.Scale2Max = 5.0;
+    for (int k = 0; k < 6; ++k) CalibrationValues.Em38Mk2Offsets[k] = 7.0;
+    // Vertical (status 6): C1 40 + 1.5 = 41.5: class 20; I1 80 x 0.028819 - 0.25
+    // = 2.05552: trunc(7.05552 / 0.2) = 35; C2 -20 + 30 = 10: class 5; I2 160 x
+    // 0.00720475 - 0.5 = 0.65276: trunc(5.65276 / 0.2) = 28.
+    const int expected[5] = {0, 20, 35, 5, 28};
+    const std::vector<int> pens = SegmentPens(Mk2Header(), Mk2Record(6));
+    CHECK_EQ(ReplayCalibration.OffsetRecords, 6);
+    CHECK_EQ(pens.size(), 9u);
+    if (!pens.empty()) CHECK_EQ(pens[0], MAP_PEN_COLOUR_CLASS + expected[mode]);
+  }
+  // Horizontal (status 2): I1 2.30552 - O5 0.125 = 2.18052: trunc(7.18052 / 0.2) = 35;
+  // I2 1.15276 - O6 0.0625 = 1.09026: trunc(6.09026 / 0.2) = 30.
+  Fresh(4, EM38MK2, 4);
+  Settings.Scale2Min = -5.0;
+  Settings.Scale2Max = 5.0;
+  const std::vector<int> pens = SegmentPens(Mk2Header(), Mk2Record(2));
+  if (!pens.empty()) CHECK_EQ(pens[0], MAP_PEN_COLOUR_CLASS + 30);
+  // One coil pair ("EM38-MK2-1"): C2 stays 0, class 0.
+  Fresh(4, EM38MK2, 3);
+  Settings.Em38Mk2Type = 1;
+  Settings.ScaleMax = 100.0;
+  const std::vector<int> one = SegmentPens(Mk2Header(), Mk2Record(6));
+  if (!one.empty()) CHECK_EQ(one[0], MAP_PEN_COLOUR_CLASS + 0);
+}
+
+TEST(Em38Mk2ProfileDecodesEachReadingWithTheCalibrationOfItsTime) {
+  FreshProfile(EM38MK2);
+  Settings.Em38Mk2Type = 0;
+  // The second calibration is the one in use now.
+  for (int k = 0; k < 6; ++k) CalibrationValues.Em38Mk2Offsets[k] = SECOND_OFFSETS[k];
+  const std::string file = Mk2Header() + Mk2Record(6) + OffsetRecords(SECOND_OFFSETS, FIRST_OFFSETS) + Mk2Record(3, 't');
+  PlanProfileReplay(FileOf(file), 200);
+  // Before the calibration, vertical, with the first offsets: C1 41.5 is
+  // pixel trunc(458.5 x 0.2) = 91, I1 2.05552 trunc(22.94448 x 2) = 45, C2 10
+  // trunc(490 x 0.2) = 98, I2 0.65276 trunc(24.34724 x 2) = 48. After it,
+  // horizontal ('t', status 3) with the second: C1 37.5 is 92, I1 2.30552 - 0.5
+  // = 1.80552 is 46, C2 -20 is 104, I2 1.15276 - 0.25 = 0.90276 is 48.
+  CHECK_EQ(Columns(), std::string("0:91,2:45,4:98,6:48 1:92,3:46,5:104,7:48"));
+  CHECK_EQ(ProfileReplayPlan.Columns[1].Pen[5], 5);
+  // The live offsets are left as they are.
+  CHECK_EQ(CalibrationValues.Em38Mk2Offsets[0], -2.5);
+}
+
 // ---------------------------------------------------------------- the file on Windows
 
 #ifdef _WIN32
