@@ -5,8 +5,10 @@ at 115200 baud). Prints, each minute, the resident memory of the program and
 its wineserver, the program's GDI objects and the CPU of both; at the end,
 the frames and sentences the simulator sent while Logging against those in
 the data file. Not a test: run after the windows and native builds,
-    python3 bench/soak.py [--minutes N] [PROGRAM ...]      (default: Kelvo31, 60 minutes)
-Programs: see PROGRAMS in tests/e2e/soak_walk.py."""
+    python3 bench/soak.py [--minutes N] [PROGRAM ...]
+By default the busiest pair, the EM38-MK2 (binary frames every 47 ms at
+19200 baud), then the EM31-MK2, an hour each. Programs: see PROGRAMS in
+tests/e2e/soak_walk.py."""
 import argparse
 import os
 import sys
@@ -21,7 +23,7 @@ def main():
     parser.add_argument("--minutes", type=int, default=60)
     parser.add_argument("programs", nargs="*", metavar="PROGRAM", help=", ".join(sorted(soak_walk.PROGRAMS)))
     args = parser.parse_args()
-    args.programs = args.programs or ["Kelvo31"]
+    args.programs = args.programs or ["Kelvo38MK2", "Kelvo31"]
     unknown = [p for p in args.programs if p not in soak_walk.PROGRAMS]
     if unknown:
         parser.error("no soak set up for %s" % ", ".join(unknown))

@@ -38,7 +38,6 @@ void StripPositions(ReadingOutcome& out, const double values[8], const int valid
     const int place = (channel & 1) + (channel >= 4 ? 2 : 0);
     if (valid) AddBarMove(out, inphase ? BAR_WINDOW_I : BAR_WINDOW_Q, place, v, inphase, channel);
   }
-  out.ProfileStep = 0;
 }
 
 char SettingDipole() { return Settings.DipoleMode == 1 ? 'H' : 'V'; }

@@ -57,24 +57,12 @@ void ShowMarker(ReadingOutcome& out, bool marker) {
 // The curves of `count` channels from `first` on, one step of the profile,
 // in `window` with the pens of channels 0 on.
 void ProfileChannels(ReadingOutcome& out, const double* values, int first, int count, int window) {
-  for (int i = 0; i < count && first + i < OUTCOME_PROFILE_CHANNELS; ++i) {
-    out.ProfilePixel[first + i] = ProfilePixelOnScale(values[i], 0);
-    out.ProfileOn[first + i] = 1;
-    out.ProfileWindow[first + i] = window;
-    out.ProfilePen[first + i] = i;
-  }
-  if (out.ProfileCount < first + count) out.ProfileCount = first + count;
+  for (int i = 0; i < count; ++i) AddProfileCurve(out, first + i, window, i, values[i], 0, 1);
 }
 
 // The bars of `count` channels in one bar window, bar i in channel i's colour.
 void BarsOf(ReadingOutcome& out, int window, const double* values, int count) {
-  for (int i = 0; i < count && out.BarCount < OUTCOME_BARS; ++i) {
-    BarMove& bar = out.Bars[out.BarCount++];
-    bar.Window = window;
-    bar.Index = i;
-    bar.Pixel = BarPixelOnScale(values[i], 0);
-    bar.Channel = i;
-  }
+  for (int i = 0; i < count; ++i) AddBarMove(out, window, i, values[i], 0, i);
 }
 
 // A logged reading's station, counters, elapsed time and step of the strip.

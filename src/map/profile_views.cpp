@@ -140,7 +140,6 @@ int BarWindowOfSensor(int sensor) {
 
 void AddProfileCurve(ReadingOutcome& out, int curve, int window, int pen, double value, int secondScale, int on) {
   if (curve < 0 || curve >= OUTCOME_PROFILE_CHANNELS) return;
-  out.ProfileStep = 1;
   if (out.ProfileCount < curve + 1) out.ProfileCount = curve + 1;
   out.ProfileOn[curve] = on ? 1 : 0;
   out.ProfilePixel[curve] = on ? ProfilePixelOnScale(value, secondScale) : 0;

@@ -88,6 +88,7 @@ int CurveWindowOfSensor(int sensor);
 int BarWindowOfSensor(int sensor);
 // Curve `curve` of the step: the value on scale 1 or 2, drawn in `window`
 // with the pen of `pen`; an `on` of 0 leaves the curve out of this step.
+// Whether the profile steps at all is the handler's `ProfileStep`.
 void AddProfileCurve(ReadingOutcome& out, int curve, int window, int pen, double value, int secondScale, int on);
 // A bar to move: its window and place, the value on scale 1 or 2 of the
 // bars, the channel whose colour it takes.

@@ -13,6 +13,7 @@ import time
 
 import em31_family_walk as walk
 import harness
+import test_em38mk2_survey as em38mk2
 import test_gps_survey as gps_survey
 import test_session_start as session
 
@@ -31,7 +32,6 @@ def text_frames(log_path):
 def em38mk2_frames(log_path):
     """The EM38-MK2's binary frames the simulator sent whole, in the same
     form; the first byte as 'T', as the reading lookup keys frames."""
-    import test_em38mk2_survey as em38mk2   # in the tree once the EM38-MK2 is
     return [("T" + frame[1:], True, ms) for ms, frame in em38mk2.sent_frames(log_path)]
 
 

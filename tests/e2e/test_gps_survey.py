@@ -43,13 +43,13 @@ def sent_sentences(log_path, with_times=False):
     """The sentences the simulator sent on the GPS line, in order; with
     `with_times` each as (sentence, wall-clock ms of its sending)."""
     out = []
-    for _, raw in sent_log.messages(log_path, "gps"):
+    for ms, raw in sent_log.messages(log_path, "gps"):
         for piece in raw.split("\n"):
             piece = piece.strip("\r")
             if piece.startswith("$"):
                 # The receiver keeps only bytes strictly between 35 and 127.
                 text = "".join(c for c in piece if 35 < ord(c) < 127)
-                out.append((text, float(parts[0])) if with_times else text)
+                out.append((text, ms) if with_times else text)
     return out
 
 
@@ -161,8 +161,8 @@ def check_survey_file(checks, program, data, sent, option_key, walked_seconds, c
                      label + "%d corner records for %d positions" % (len(sets), len(passed)))
 
 
-def create_file(box, window, name):
-    """"&File", the name typed into the save dialog."""
+def choose_file(box, window, name):
+    """"&File", the name typed into the save dialog; False when no dialog came."""
     box.key(window, "f")
     dialog = box.wait_title("Create Data File", timeout=30)
     if dialog is None:
@@ -172,7 +172,12 @@ def create_file(box, window, name):
     box.xdotool(["key", "ctrl+a"])
     box.type(dialog, name)
     box.xdotool(["key", "Return"])
-    return session.control_visible(box, 460, "&Go", timeout=20)
+    return True
+
+
+def create_file(box, window, name):
+    """"&File" with a new name: Stand By."""
+    return choose_file(box, window, name) and session.control_visible(box, 460, "&Go", timeout=20)
 
 
 def log_to_file(box, window, stem):
