@@ -168,8 +168,8 @@ def check_survey_file(checks, program, data, sent, option_key, walked_seconds, c
                      label + "%d corner records for %d positions" % (len(sets), len(passed)))
 
 
-def create_file(box, window, name):
-    """"&File", the name typed into the save dialog."""
+def choose_file(box, window, name):
+    """"&File", the name typed into the save dialog; False when no dialog came."""
     box.key(window, "f")
     dialog = box.wait_title("Create Data File", timeout=30)
     if dialog is None:
@@ -179,7 +179,12 @@ def create_file(box, window, name):
     box.xdotool(["key", "ctrl+a"])
     box.type(dialog, name)
     box.xdotool(["key", "Return"])
-    return session.control_visible(box, 460, "&Go", timeout=20)
+    return True
+
+
+def create_file(box, window, name):
+    """"&File" with a new name: Stand By."""
+    return choose_file(box, window, name) and session.control_visible(box, 460, "&Go", timeout=20)
 
 
 def answer(box, title, keys=("Return",)):
