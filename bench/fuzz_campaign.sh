@@ -4,8 +4,10 @@
 # from its seed corpus in tests/fuzz/corpus/<target>/ (read only; what the run
 # finds new goes to build/fuzz/campaign/<target>/). Prints executions, time
 # and findings per target; a finding leaves its input in the campaign folder
-# (crash-*, leak-*, timeout-*), to be turned into a unit test.
-#   bench/fuzz_campaign.sh [RUNS] [TARGET ...]
+# (crash-*, leak-*, timeout-*), to be turned into a unit test. With
+# FUZZ_SECONDS set, each target also stops after that many seconds, for a
+# shorter campaign on a busy machine.
+#   [FUZZ_SECONDS=S] bench/fuzz_campaign.sh [RUNS] [TARGET ...]
 set -eu
 cd "$(dirname "$0")/.."
 runs="${1:-10000000}"
@@ -28,7 +30,9 @@ for target in "${targets[@]}"; do
   [ -d "$seeds" ] && dirs+=("$PWD/$seeds")
   log="$work.log"
   start=$(date +%s)
-  ( cd "$work" && "../../$target" -runs="$runs" -rss_limit_mb=2048 -timeout=20 \
+  limit=()
+  [ "${FUZZ_SECONDS:-0}" -gt 0 ] && limit=(-max_total_time="$FUZZ_SECONDS")
+  ( cd "$work" && "../../$target" -runs="$runs" "${limit[@]}" -rss_limit_mb=2048 -timeout=20 \
       -print_final_stats=1 "${dirs[@]}" ) >"$log" 2>&1 || true
   seconds=$(( $(date +%s) - start ))
   executions=$(grep -m1 -o 'stat::number_of_executed_units: *[0-9]*' "$log" | grep -o '[0-9]*$' || echo 0)

@@ -86,11 +86,11 @@ int ClassifyExistingFile(HANDLE file) {
   return ExistingFileResult(bytes, (int)got, model);
 }
 
-// A new or foreign file gets its header, first line header and time mark,
-// then is closed and reopened so that they are on disk before anything else.
-void StartFileRecords(int result) {
+}  // namespace
+
+void StartFileRecords(int kind) {
   SetFilePointer((HANDLE)DataFileState.DataFile, 0, nullptr, FILE_END);
-  WriteFileHeader(result);
+  WriteFileHeader(kind);
   WriteLineHeader();
   WriteTimeRecord();
   if (DataFileState.DataFile != NO_HANDLE) CloseHandle((HANDLE)DataFileState.DataFile);
@@ -98,8 +98,6 @@ void StartFileRecords(int result) {
   LoadSettings(SETTINGS_SAVE);
   ReopenDataFileAtEnd();
 }
-
-}  // namespace
 
 int CreateDataFile(HWND owner) {
   const DataFileKind kind = DataFileKindOf(Instrument().Model, ProductMode, Settings.InstrumentEnabled);

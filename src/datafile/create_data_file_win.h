@@ -14,6 +14,12 @@
 // at its end).
 int CreateDataFile(HWND owner);
 
+// The header (kind: DATA_FILE_NEW, DATA_FILE_FOREIGN, or DATA_FILE_EXISTING
+// for an append's "r" header), first line header and time mark written at
+// the file's end, then the file closed, the settings saved and the file
+// reopened at its end, so that they are on disk before anything else.
+void StartFileRecords(int kind);
+
 // Closes the data file and reopens it OPEN_ALWAYS at its end, so that what
 // was written is safe on disk. The reopening is not tested: a failure shows
 // only as a handle of -1 at the next write.

@@ -17,6 +17,7 @@ struct ReadingOutcome;
 struct LinkPort;
 struct HeaderColumns;
 struct RecordReading;
+struct AppendHeaderRules;
 
 // How the instrument talks on its serial line.
 enum LinkForm {
@@ -214,6 +215,7 @@ struct CommandsDescription {
   int WheelReader;                 // a second reader for Wheel mode
   int StationConfirm;              // Manual stations of several readings, confirmed in a box
   int AppendCheck;                 // an existing file is held against the settings
+  const AppendHeaderRules* AppendRules;   // by these rules (datafile/append_rules.cpp); nullptr without
   int SurveyModeInSummary;         // the summary's first row shows the survey mode
   int RateOnlyInAuto;              // "Update Rate:" reads N/A outside Auto
   int SetButtonsWaitForReading;    // the set buttons wait for a first reading even without GPS

@@ -8,6 +8,7 @@
 #include "core/setup_lists.h"
 #include "core/state.h"
 #include "core/variant.h"
+#include "datafile/append_rules.h"
 #include "datafile/header_configuration.h"
 #include "instruments/em38_link_check.h"
 #include "instruments/em38mk2_reader.h"
@@ -138,7 +139,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .FilterFactor = 0.0},
         .Commands = {.MonitoringMenu = 495, .StandByMenu = 496, .Nulling = 0, .Calibration = CALIBRATION_NONE,
                      .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 0,
-                     .AppendCheck = 1, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
+                     .AppendCheck = 1, .AppendRules = &GradiometerAppendRules, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
                      .SetButtonsWaitForReading = 0, .ManualReadingsPerStation = nullptr,
                      .AudioTickEveryForMode = nullptr, .PrepareSession = nullptr},
         .Store = {.Group = SETTINGS_GROUP_C, .Type = TYPE_NONE, .OffsetsInMetresOnly = 1,
@@ -190,7 +191,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .FilterFactor = 310.0},
         .Commands = {.MonitoringMenu = 491, .StandByMenu = 492, .Nulling = 1, .Calibration = CALIBRATION_FILTER,
                      .TargetAlarm = 1, .SoftMarkerKeys = 1, .WheelReader = 0, .StationConfirm = 0,
-                     .AppendCheck = 1, .SurveyModeInSummary = 1, .RateOnlyInAuto = 1,
+                     .AppendCheck = 1, .AppendRules = &Lx2AppendRules, .SurveyModeInSummary = 1, .RateOnlyInAuto = 1,
                      .SetButtonsWaitForReading = 0, .ManualReadingsPerStation = nullptr,
                      .AudioTickEveryForMode = nullptr, .PrepareSession = nullptr},
         .Store = {.Group = SETTINGS_GROUP_B, .Type = TYPE_EM61, .OffsetsInMetresOnly = 0, .Swath = SWATH_COIL,
@@ -244,7 +245,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .FilterFactor = 0.0},
         .Commands = {.MonitoringMenu = 493, .StandByMenu = 494, .Nulling = 1, .Calibration = CALIBRATION_NONE,
                      .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 1, .StationConfirm = 0,
-                     .AppendCheck = 1, .SurveyModeInSummary = 1, .RateOnlyInAuto = 1,
+                     .AppendCheck = 1, .AppendRules = &Em61Mk2AppendRules, .SurveyModeInSummary = 1, .RateOnlyInAuto = 1,
                      .SetButtonsWaitForReading = 0, .ManualReadingsPerStation = nullptr,
                      .AudioTickEveryForMode = Em61Mk2TickEvery, .PrepareSession = nullptr},
         .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_EM61, .OffsetsInMetresOnly = 0, .Swath = SWATH_COIL,
@@ -295,7 +296,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .FilterFactor = 0.0},
         .Commands = {.MonitoringMenu = 495, .StandByMenu = 496, .Nulling = 0, .Calibration = CALIBRATION_NONE,
                      .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 0,
-                     .AppendCheck = 1, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
+                     .AppendCheck = 1, .AppendRules = &Em31AppendRules, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
                      .SetButtonsWaitForReading = 0, .ManualReadingsPerStation = ReadingsOfEm31,
                      .AudioTickEveryForMode = nullptr, .PrepareSession = nullptr},
         .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_COIL_LENGTH, .OffsetsInMetresOnly = 0,
@@ -346,7 +347,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .FilterFactor = 0.0},
         .Commands = {.MonitoringMenu = 495, .StandByMenu = 496, .Nulling = 0, .Calibration = CALIBRATION_NONE,
                      .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 0,
-                     .AppendCheck = 1, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
+                     .AppendCheck = 1, .AppendRules = &Em38AppendRules, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
                      .SetButtonsWaitForReading = 1, .ManualReadingsPerStation = ReadingsOfEm38,
                      .AudioTickEveryForMode = nullptr, .PrepareSession = nullptr},
         .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_COIL_LENGTH, .OffsetsInMetresOnly = 0,
@@ -397,7 +398,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .SwathBar = 0.0, .FilterFactor = 0.0},
         .Commands = {.MonitoringMenu = 495, .StandByMenu = 496, .Nulling = 0, .Calibration = CALIBRATION_NONE,
                      .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 1,
-                     .AppendCheck = 0, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
+                     .AppendCheck = 0, .AppendRules = nullptr, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
                      .SetButtonsWaitForReading = 1, .ManualReadingsPerStation = ReadingsOfEm343,
                      .AudioTickEveryForMode = nullptr, .PrepareSession = Em343PrepareSession},
         .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_COIL_LENGTH, .OffsetsInMetresOnly = 0,
@@ -448,7 +449,7 @@ const InstrumentDescription InstrumentTable[INSTRUMENT_COUNT] = {
                      .SwathBar = 0.0, .FilterFactor = 0.0},
         .Commands = {.MonitoringMenu = 497, .StandByMenu = 498, .Nulling = 0, .Calibration = CALIBRATION_OFFSETS,
                      .TargetAlarm = 0, .SoftMarkerKeys = 0, .WheelReader = 0, .StationConfirm = 0,
-                     .AppendCheck = 1, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
+                     .AppendCheck = 1, .AppendRules = &Em38Mk2AppendRules, .SurveyModeInSummary = 0, .RateOnlyInAuto = 0,
                      .SetButtonsWaitForReading = 0, .ManualReadingsPerStation = ReadingsOfEm31,
                      .AudioTickEveryForMode = nullptr, .PrepareSession = nullptr},
         .Store = {.Group = SETTINGS_GROUP_A, .Type = TYPE_EM38MK2, .OffsetsInMetresOnly = 0,

@@ -76,8 +76,14 @@ void RecomputeMapScale() {
 void SetMapOrigin(double easting, double northing) {
   Position.FirstPositionEasting = easting;
   Position.FirstPositionNorthing = northing;
+  MoveMapOrigin(easting, northing);
   MapCanvas.MinX = MapCanvas.MaxX = easting;
   MapCanvas.MinY = MapCanvas.MaxY = northing;
+}
+
+void MoveMapOrigin(double easting, double northing) {
+  MapCanvas.OriginX = easting;
+  MapCanvas.OriginY = northing;
 }
 
 void WidenMapExtent(double x, double y) {
@@ -113,7 +119,7 @@ void ResetMapForSession() {
 }
 
 PixelLine WorldToPixel(double x1, double y1, double x2, double y2) {
-  const double x0 = Position.FirstPositionEasting, y0 = Position.FirstPositionNorthing;
+  const double x0 = MapCanvas.OriginX, y0 = MapCanvas.OriginY;
   const double scale = MapCanvas.MapScale;
   PixelLine line;
   line.X1 = PixelOf((x1 - x0) * scale + 0.5);

@@ -55,6 +55,9 @@ struct MapCanvasRecord {
   int PageSide = 1;                // window side - 2
   int PageLast = 0;                // PageSide - 1, the largest local coordinate
   double MapScale = 1.0 / 40.0;    // pixels per map unit: PageSide / MapSize
+  // MapOrigin, map units: canvas pixel (0,0). The first valid fix, or after
+  // an append into a neighbouring zone that fix in the file's zone.
+  double OriginX = 0.0, OriginY = 0.0;
 
   // MapExtent, map units: the ground that holds data.
   double MinX = 0.0, MaxX = 0.0, MinY = 0.0, MaxY = 0.0;
@@ -111,6 +114,9 @@ void ApplyMapWindowSide(int windowSide);
 void RecomputeMapScale();
 // The first valid fix: map origin and the extent seeded with it.
 void SetMapOrigin(double easting, double northing);
+// The map origin alone moved (an append reprojects the first fix into the
+// file's zone); the header's first position stays the fix as it came.
+void MoveMapOrigin(double easting, double northing);
 void WidenMapExtent(double x, double y);
 void WidenPageExtent(int col, int row);
 // Session start: every page released, the page extent collapsed, the page

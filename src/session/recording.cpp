@@ -8,12 +8,15 @@
 #include "map/live_map.h"
 #include "session/session_state.h"
 
+void DropInstrumentGeometry() {
+  if (Settings.InstrumentEnabled != 0) return;
+  Settings.GpsOffsetX = 0.0;
+  GpsLink.GpsOffsetYEffective = 0.0;
+  Settings.MapDisplayMode = 0;
+}
+
 void TakeDataFile() {
-  if (Settings.InstrumentEnabled == 0) {
-    Settings.GpsOffsetX = 0.0;
-    GpsLink.GpsOffsetYEffective = 0.0;
-    Settings.MapDisplayMode = 0;
-  }
+  DropInstrumentGeometry();
   Session.SessionState = SESSION_STANDBY;
 }
 

@@ -5,8 +5,12 @@
 #pragma once
 #include <cstdint>
 
-// A data file came back from "&File": Stand By. Without an instrument the
-// file's offsets and colour image do not apply.
+// Without an instrument the antenna offsets and the colour image do not
+// apply: they are zeroed (an append does so before its header is written).
+void DropInstrumentGeometry();
+
+// A data file came back from "&File": Stand By, without the instrument's
+// geometry when it is disabled.
 void TakeDataFile();
 
 // "&Go" at `now`: Logging, the readers' cadence, the live map's logging

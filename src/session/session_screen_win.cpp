@@ -15,6 +15,7 @@
 #include "core/text.h"
 #include "core/ticks.h"
 #include "core/variant.h"
+#include "datafile/append_win.h"
 #include "datafile/create_data_file_win.h"
 #include "datafile/records.h"
 #include "datafile/replay_win.h"
@@ -175,18 +176,15 @@ void ShowStandBySet() {
   FocusSetButton(0);
 }
 
-// "&File" in Monitoring: a new data file brings Stand By.
+// "&File" in Monitoring: a new or a continued data file brings Stand By.
 void FileCommand() {
   Session.ProcessingEnabled = 0;
   int result = CreateDataFile(Windows.ScreenLog);
-  if (result == 1) {
-    // Continuing an own file comes with the append; until then it is refused
-    // and nothing is written to it.
-    CloseHandle((HANDLE)DataFileState.DataFile);
-    DataFileState.DataFile = NO_HANDLE;
-    DataFileState.DataFileName[0] = 0;
-    Inform(L"WARNING", "The file already exisits. Please enter another name");
-  } else if (result == -1) {
+  if (result == DATA_FILE_EXISTING) {
+    // An own file is continued when its header agrees with the settings;
+    // else it is closed with the message, and the session stays in Monitoring.
+    AppendToDataFile(Windows.ScreenLog);
+  } else if (result == DATA_FILE_FOREIGN) {
     char text[96];
     FormatNarrow(text, sizeof text, "File not from %s program", VariantName());
     Inform(L"INFORMATION", text);
