@@ -3,7 +3,10 @@
 #include <new>
 
 #include "core/main_menu_content.h"
+#include "core/survey_setup.h"
 #include "datafile/records.h"
+#include "datafile/replay_map.h"
+#include "datafile/replay_profile.h"
 #include "gps/gps_monitor.h"
 #include "gps/nmea_decode.h"
 #include "gps/nmea_format.h"
@@ -26,6 +29,7 @@
 #include "map/background_files.h"
 #include "map/live_map.h"
 #include "map/map_canvas.h"
+#include "map/map_options.h"
 #include "map/profile_views.h"
 #include "session/logging_layout.h"
 #include "session/session_state.h"
@@ -66,6 +70,12 @@ void ResetProgramState() {
   ResetRecord(DataFileNames);
   ResetRecord(ManualStation);
   ResetRecord(CalibrationValues);
+  ResetRecord(ReplayCalibration);
+  ResetRecord(ReplayMapCounts);
+  ResetRecord(ReplayRecords);
+  ResetRecord(ProfileReplayPlan);
+  ResetRecord(MapOptions);
+  ResetRecord(SurveySetup);
   ResetRecord(GpsMonitor);
   ResetRecord(GpsQuality);
   ResetRecord(GpsFormat);

@@ -36,6 +36,9 @@ constexpr int TEXT_LINE_CHARS = 16;    // 15 characters and the terminator
 //   here:                      Settings, Screen, Session, Link, GpsLink, Model,
 //                              DataFileState, Position, MapWindow, Scales, Messages
 //   datafile/records.h:        DataFileNames, ManualStation, CalibrationValues
+//   datafile/replay_map.h:     ReplayCalibration, ReplayMapCounts, ReplayRecords
+//   datafile/replay_profile.h: ProfileReplayPlan    map/map_options.h:   MapOptions
+//   core/survey_setup.h:       SurveySetup
 //   gps/nmea_receiver.h:       GpsReceiver          gps/nmea_format.h:   GpsFormat
 //   gps/nmea_decode.h:         GpsQuality           gps/coordinates.h:   UtmConstants
 //   gps/position_pipeline.h:   PositionPipeline     gps/reading_bucket.h: ReadingBucket
@@ -55,8 +58,13 @@ constexpr int TEXT_LINE_CHARS = 16;    // 15 characters and the terminator
 //   session/logging_layout.h:  LoggingLayout        session/session_state.h: SessionExtras
 //   core/main_menu_content.h:  MainMenuContent
 //   Win32 only (platform_win.h and the screens): Windows, Fonts, Tools,
-//   LoggingWindows, SessionMenu, LinkPanels, GpsBreakFields
+//   LoggingWindows, SessionMenu, LinkPanels, GpsBreakFields, ReadingTextsShown
 // ResetProgramState puts every platform-free one back to its starting value.
+// Drawing and file hooks that the Win32 layer installs once at start (and
+// the tests replace by their own) are not state and stay as installed:
+// MapDrawing (map/map_surface.h), BackgroundSurface (map/background_draw.h),
+// BackgroundFileAccess (map/background_files.h), BackgroundProgress
+// (map/background_parse.h).
 // Not state: the UTM constants (computed once at start) and the settings
 // reader's buffer (core/settings_store.h, cleared by each read).
 

@@ -2,7 +2,10 @@
 // session would change it, is back at its starting value afterwards.
 #include "core/main_menu_content.h"
 #include "core/state.h"
+#include "core/survey_setup.h"
 #include "datafile/records.h"
+#include "datafile/replay_map.h"
+#include "datafile/replay_profile.h"
 #include "gps/gps_monitor.h"
 #include "gps/nmea_decode.h"
 #include "gps/nmea_format.h"
@@ -25,6 +28,7 @@
 #include "map/background_files.h"
 #include "map/live_map.h"
 #include "map/map_canvas.h"
+#include "map/map_options.h"
 #include "map/profile_views.h"
 #include "session/logging_layout.h"
 #include "session/session_state.h"
@@ -34,6 +38,16 @@ namespace {
 
 // Each record gets a value that no starting value has.
 void ChangeEveryRecord() {
+  ReplayCalibration.Offsets[2] = 3.5;
+  ReplayCalibration.ZeroLevelRecords = 4;
+  ReplayMapCounts.Readings = 99;
+  ReplayRecords.ChunkBytes = 270;
+  ReplayRecords.Length = 24;
+  ProfileReplayPlan.ColumnCount = 12;
+  MapOptions.MapSize = 80;
+  MapOptions.GridInterval = 5.0;
+  SurveySetup.Increments[1] = 0.5;
+  SurveySetup.ModeShown = 2;
   Settings.Mk2CalA = 1.25;
   Screen.ClientWidth = 801;
   Session.TotalStations = 17;
@@ -131,6 +145,16 @@ TEST(EveryRecordOfTheListComesBackToItsStartingValue) {
   CHECK_EQ(SessionExtras.GpsDataSeen, 0);
   CHECK_EQ(BackgroundSet.Count, 0);
   CHECK_EQ(MapCanvas.WindowSide, 0);
+  CHECK_EQ(ReplayCalibration.Offsets[2], 0.0);
+  CHECK_EQ(ReplayCalibration.ZeroLevelRecords, 0);
+  CHECK_EQ(ReplayMapCounts.Readings, 0LL);
+  CHECK_EQ(ReplayRecords.ChunkBytes, 0);
+  CHECK_EQ(ReplayRecords.Length, RECORD_LENGTH_LONGEST);
+  CHECK_EQ(ProfileReplayPlan.ColumnCount, 0);
+  CHECK_EQ(MapOptions.MapSize, 0);
+  CHECK_EQ(MapOptions.GridInterval, 0.0);
+  CHECK_EQ(SurveySetup.Increments[1], 0.0);
+  CHECK_EQ(SurveySetup.ModeShown, 0);
 }
 
 TEST(TheGrad601AndEm38Mk2RecordsComeBackWhole) {
