@@ -69,18 +69,22 @@ class Program:
             self.process.stop()
 
 
-def control(box, control_id, title=None):
+def control(box, control_id, title=None, timeout=5.0):
     """(text, enabled) of a visible control with this id, in the dialog of
-    this title when given."""
-    rows = box.windows()
-    inside = title is None
-    for row in rows:
-        if row["depth"] == 0:
-            inside = title is None or row["text"] == title
-            continue
-        if inside and row["id"] == control_id and row["visible"]:
-            return row["text"], row["enabled"]
-    return None, None
+    this title when given. A dialog's X window may show before its controls
+    are filled in, so the list is asked again for up to `timeout` seconds."""
+    end = time.time() + timeout
+    while True:
+        inside = title is None
+        for row in box.windows():
+            if row["depth"] == 0:
+                inside = title is None or row["text"] == title
+                continue
+            if inside and row["id"] == control_id and row["visible"] and row["text"] is not None:
+                return row["text"], row["enabled"]
+        if time.time() >= end:
+            return None, None
+        time.sleep(0.3)
 
 
 def message(box, title, timeout=15):
@@ -370,7 +374,7 @@ def em343_dialogs(checks, box):
 def grad601_dialogs(checks, box):
     p = Program(box, "Kelvo601")
     d = p.dialog("e", "Geometry Setup")
-    checks.equal(control(box, 1155, "Geometry Setup")[0], None, "the gradiometer has no unit radios")
+    checks.equal(control(box, 1155, "Geometry Setup", timeout=0)[0], None, "the gradiometer has no unit radios")
     p.keys(d, "Tab", "Tab")
     p.type(d, "0.8")
     p.keys(d, "Return")
