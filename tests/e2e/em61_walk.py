@@ -218,8 +218,19 @@ def in_order_once(checks, label, logged, sent, lx2=False):
         checks.check(False, label + ": readings were logged")
         return -1
     starts = [i for i, f in enumerate(frames) if f == keys[0] and frames[i:i + len(keys)] == keys]
-    checks.check(len(starts) >= 1,
-                 label + ": %d readings are the simulator's frames, once each and in order" % len(keys))
+    if not checks.check(len(starts) >= 1,
+                        label + ": %d readings are the simulator's frames, once each and in order" % len(keys)):
+        # Where the run breaks: the longest stretch that matches, and what follows it.
+        best, at = 0, -1
+        for i, f in enumerate(frames):
+            n = 0
+            while n < len(keys) and i + n < len(frames) and frames[i + n] == keys[n]:
+                n += 1
+            if n > best:
+                best, at = n, i
+        harness.log("%s: the first %d readings match frames %d on; reading %d %r, frames there %r" % (
+            label, best, at, best, keys[best] if best < len(keys) else None,
+            frames[at + best - 1:at + best + 2] if at >= 0 else None))
     return starts[0] if starts else -1
 
 

@@ -161,13 +161,21 @@ def check_export(checks, data, log_path, out):
     checks.check(all(b > a for a, b in zip(ticks, ticks[1:])), "the readings stand in the order of their ticks")
     placed = [r for r in rows if r[6] == "gps"]
     checks.check(len(placed) >= len(rows) - 3, "%d of %d readings placed between positions" % (len(placed), len(rows)))
-    across, along, value_errors, unsent = [], [], 0, 0
+    across, along, value_errors, unsent, before_start = [], [], 0, 0, 0
+    # Logging began with the first reading: a sensor that trails the antenna
+    # stands before the first logged position until LAG metres are walked,
+    # on the line the track's first step points along, which the receiver's
+    # noise turns. Those readings are placed, but not held to the line.
+    logging_began = int(rows[0][2]) - offset if rows else 0
     for r in placed:
         east, north = local_metres(float(r[9]), float(r[10]))
         # Where the simulator's antenna was LAG metres of walking before the frame was sent.
         ms = int(r[2]) - offset - LAG / SPEED * 1000.0
         expected, _ = antenna_at(ms)
         along.append(abs(east - expected))
+        if ms < logging_began:
+            before_start += 1
+            continue
         # Left of travel is north walking east and south walking west; at
         # the line's ends the direction turns.
         if 0.25 < expected < LINE_LENGTH - 0.25:
@@ -186,7 +194,9 @@ def check_export(checks, data, log_path, out):
     checks.equal(value_errors, 0, "every exported value is that frame's conductivity and inphase")
     if across:
         checks.check(max(across) <= 6 * NOISE, "every reading lies on the walked line, %.1f m to the left of travel: "
-                     "%.3f m off at most" % (ACROSS, max(across)))
+                     "%.3f m off at most (%d more before %.0f m were walked)" % (ACROSS, max(across), before_start, LAG))
+        checks.check(before_start <= LAG / SPEED * 1000.0 / FRAME_MS + 2,
+                     "only the readings of the first %.0f m stand before the track (%d)" % (LAG, before_start))
         along.sort()
         checks.check(along[len(along) * 95 // 100] <= 0.3 and along[-1] <= 0.5,
                      "each reading stands where the antenna was %.0f m of walking earlier: median %.3f m, 95%% %.3f m, "
