@@ -65,8 +65,10 @@ constexpr int TEXT_LINE_CHARS = 16;    // 15 characters and the terminator
 // MapDrawing (map/map_surface.h), BackgroundSurface (map/background_draw.h),
 // BackgroundFileAccess (map/background_files.h), BackgroundProgress
 // (map/background_parse.h).
-// Not state: the UTM constants (computed once at start) and the settings
-// reader's buffer (core/settings_store.h, cleared by each read).
+// Not state: the UTM constants (computed once at start), the settings
+// reader's buffer (core/settings_store.h, cleared by each read) and the
+// pieces held while a swath is painted (map/page_pieces.cpp, empty between
+// two swaths).
 
 // Everything the settings file keeps [main: the settings reader, the dialogs
 // and the session commands]. Starting values are those a new file is written

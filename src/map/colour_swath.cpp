@@ -9,6 +9,7 @@
 #include "map/colour_scale.h"
 #include "map/live_map.h"
 #include "map/map_surface.h"
+#include "map/page_pieces.h"
 
 namespace {
 
@@ -32,6 +33,7 @@ void WalkSwath(const PixelLine& a, const PixelLine& b, DrawStep draw) {
   if (count > READING_BUCKET_SIZE) count = READING_BUCKET_SIZE;
   const double readingStep = (double)(count < 0 ? 0 : count) / n;
   const int32_t* list = FinishedClasses();
+  HoldPagePieces();
   for (int i = 0; i < n; ++i) {
     const int lx = TruncToInt(b.X1 + i * stepLeftX), ly = TruncToInt(b.Y1 + i * stepLeftY);
     const int rx = TruncToInt(b.X2 + i * stepRightX), ry = TruncToInt(b.Y2 + i * stepRightY);
@@ -40,6 +42,7 @@ void WalkSwath(const PixelLine& a, const PixelLine& b, DrawStep draw) {
     if (j >= READING_BUCKET_SIZE) j = READING_BUCKET_SIZE - 1;
     draw(lx, ly, rx, ry, list[j]);
   }
+  DrawHeldPagePieces();
 }
 
 }  // namespace

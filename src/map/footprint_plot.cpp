@@ -7,6 +7,7 @@
 #include "instruments/instrument.h"
 #include "map/live_map.h"
 #include "map/map_surface.h"
+#include "map/page_pieces.h"
 
 namespace {
 
@@ -21,11 +22,6 @@ int PositionRadius() {
 void DotInPage(int col, int row, int lx, int ly, int r, int pen, int brush) {
   if (EnsureTile(col, row, 1) == 0) return;
   MapDrawing.PageEllipse(pen, brush, lx - 1 - r, ly - 1 - r, lx + r + 1, ly + r + 1);
-}
-
-void PieceInPage(int col, int row, int xa, int ya, int xb, int yb, int pen) {
-  if (EnsureTile(col, row, 1) == 0) return;
-  MapDrawing.PageLine(pen, xa, ya, xb, yb);
 }
 
 void DotAtPixel(int px, int py, int pen, int brush) {
@@ -55,11 +51,11 @@ void DrawDotOnTiles(int col, int row, int lx, int ly, int pen, int brush) {
 void DrawSegmentOnTiles(int col1, int row1, int col2, int row2, int x1, int y1, int x2, int y2,
                         int dx, int dy, int pen) {
   if (col1 == col2 && row1 == row2) {
-    PieceInPage(col1, row1, x1, y1, x2, y2, pen);
+    PagePiece(col1, row1, x1, y1, x2, y2, pen);
     return;
   }
-  PieceInPage(col1, row1, x1, y1, x1 + dx, y1 - dy, pen);
-  PieceInPage(col2, row2, x2 - dx, y2 + dy, x2, y2, pen);
+  PagePiece(col1, row1, x1, y1, x1 + dx, y1 - dy, pen);
+  PagePiece(col2, row2, x2 - dx, y2 + dy, x2, y2, pen);
   if (col1 == col2 || row1 == row2) return;
 
   // Both axes differ: the line also crosses one corner page. Where it meets
@@ -70,8 +66,8 @@ void DrawSegmentOnTiles(int col1, int row1, int col2, int row2, int x1, int y1, 
   bool intoRowOfEnd;
   if (dx > 0) intoRowOfEnd = crossing < MapCanvas.PageSide;
   else intoRowOfEnd = crossing > 0;
-  if (intoRowOfEnd) PieceInPage(col1, row2, x1, y2 + dy, x1 + dx, y2, pen);
-  else PieceInPage(col2, row1, x2 - dx, y1, x2, y1 - dy, pen);
+  if (intoRowOfEnd) PagePiece(col1, row2, x1, y2 + dy, x1 + dx, y2, pen);
+  else PagePiece(col2, row1, x2 - dx, y1, x2, y1 - dy, pen);
 }
 
 void PlotSegment(int x1, int y1, int x2, int y2, int pen) {

@@ -6,6 +6,8 @@
 #include <limits>
 
 #include "core/variant.h"
+#include "gps/reading_bucket.h"
+#include "map/colour_swath.h"
 #include "map_capture.h"
 #include "testing.h"
 
@@ -494,6 +496,60 @@ TEST(PositionSizeFiveDrawsWithTheTwoPixelPen) {
   std::vector<MapCall> drawn = FootprintCalls();
   CHECK_EQ(drawn.size(), 4u);
   CHECK_EQ(drawn[3].Pen, MAP_PEN_POSITION2);
+}
+
+// Each footprint line as "page pen x1,y1-x2,y2", in the order drawn.
+std::vector<std::string> PagePenPieces() {
+  std::vector<std::string> pieces;
+  for (const MapCall& call : FootprintCalls())
+    pieces.push_back(std::to_string(call.Page) + " " + std::to_string(call.Pen) + " " + Piece(call));
+  return pieces;
+}
+
+// The pieces of one page, in order.
+std::vector<std::string> PiecesOfPage(const std::vector<std::string>& pieces, uint32_t page) {
+  std::vector<std::string> found;
+  const std::string prefix = std::to_string(page) + " ";
+  for (const std::string& piece : pieces)
+    if (piece.compare(0, prefix.size(), prefix) == 0) found.push_back(piece);
+  return found;
+}
+
+// A swath from y 5 to y 10 whose lines run from x -3 to 3, across the border
+// of pages (1000,1000) and (1001,1000). Three classes over five lines: the
+// lines take classes 1 1 2 2 3. Drawn one line at a time, each line leaves
+// one page for the other; the swath draws all of the first page, then all of
+// the second, each page's pieces as they were.
+TEST(ASwathAcrossAPageBorderIsDrawnPageByPage) {
+  StartAtOrigin(40, 0.0);
+  ReadingBucket.FinishedArray = 1;
+  ReadingBucket.Classes[1][0] = 1;
+  ReadingBucket.Classes[1][1] = 2;
+  ReadingBucket.Classes[1][2] = 3;
+  ReadingBucket.FinishedLast = 3;
+  ReadingBucket.FinishedFlag = 1;
+  PaintColourSwath({-3, 10, 3, 10}, {-3, 5, 3, 5});
+  const std::vector<std::string> swath = PagePenPieces();
+  ForgetCalls();
+  const int classes[5] = {1, 1, 2, 2, 3};
+  for (int i = 0; i < 5; ++i) PlotSegment(-3, 5 + i, 3, 5 + i, MAP_PEN_COLOUR_CLASS + classes[i]);
+  const std::vector<std::string> oneByOne = PagePenPieces();
+
+  const uint32_t left = DataPage(1000, 1000), right = DataPage(1001, 1000);
+  CHECK(left != 0 && right != 0 && left != right);
+  CHECK_EQ(oneByOne.size(), 10u);
+  CHECK_EQ(swath.size(), 10u);
+  CHECK_EQ(oneByOne[0], std::to_string(left) + " 101 36,34-42,34");
+  CHECK_EQ(oneByOne[1], std::to_string(right) + " 101 -4,34-2,34");
+  CHECK_EQ(oneByOne[9], std::to_string(right) + " 103 -4,30-2,30");
+  for (int i = 0; i < 5; ++i) CHECK_EQ(swath[i], oneByOne[2 * i]);
+  for (int i = 0; i < 5; ++i) CHECK_EQ(swath[5 + i], oneByOne[2 * i + 1]);
+  CHECK(PiecesOfPage(swath, left) == PiecesOfPage(oneByOne, left));
+  CHECK(PiecesOfPage(swath, right) == PiecesOfPage(oneByOne, right));
+  // Drawing goes on at once after the swath.
+  ForgetCalls();
+  PlotSegment(1, 1, 3, 3, MAP_PEN_POSITION1);
+  CHECK_EQ(FootprintCalls().size(), 1u);
 }
 
 TEST(ColourImagePaintsTheSwathBetweenLines) {
