@@ -68,9 +68,11 @@ def logged_columns(recs):
     return readings, any(n > 1 for n in per_segment)
 
 
-def client_rect(box, control_id, png):
+def client_rect(box, control_id, png, found=None):
     """The window's client area on the screen: inside its black one-pixel
-    border, found on a screenshot near the window's rectangle."""
+    border, found on a screenshot near the window's rectangle (or, with no
+    black border there, one pixel inside the rectangle). `found`, a list,
+    gets whether the black border was seen."""
     rect = walk.window_rect(box, control_id)
     if not rect:
         return None
@@ -88,6 +90,8 @@ def client_rect(box, control_id, png):
     right = next((x for x in range(width - 1, width - 8, -1) if black_column(x)), width - 4)
     top = next((y for y in range(0, 7) if black_row(y)), 3)
     bottom = next((y for y in range(height - 1, height - 8, -1) if black_row(y)), height - 4)
+    if found is not None:
+        found.append(black_column(left) and black_row(top))
     return (l - 3 + left + 1, t - 3 + top + 1, l - 3 + right, t - 3 + bottom)
 
 
@@ -96,8 +100,15 @@ class Screens:
 
     def __init__(self, box):
         self.box = box
-        png = box.screenshot("replay-windows")
-        self.map = client_rect(box, MAP_ID, png)
+        # The map's black border may be drawn a moment after its client: the
+        # screenshot is taken again until the border is there.
+        for attempt in range(10):
+            png = box.screenshot("replay-windows")
+            found = []
+            self.map = client_rect(box, MAP_ID, png, found)
+            if found and found[0]:
+                break
+            time.sleep(0.5)
         self.curve = client_rect(box, CURVE_ID, png)
 
     def take(self, name, settle=1.5):
