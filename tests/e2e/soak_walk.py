@@ -155,13 +155,13 @@ def sample_minutes(box, program, stem, minutes, report):
 def check_file(checks, program, data, log_path, report):
     """Every sentence and frame the simulator sent while Logging, once each
     and in order. Returns (sentences sent, logged, frames sent, logged)."""
-    spec = PROGRAMS[program]
+    program_row = PROGRAMS[program]
     length = gps_survey.record_length(program)
     label = program + ": "
     checks.equal(len(data) % length, 0, label + "the file is whole records")
     recs = gps_survey.records(data, length)
     # A binary frame may hold the byte 10 in a reading record's text.
-    checks.check(all(r[-1:] == b"\n" and (chr(r[0]) in spec["tags"] or b"\n" not in r[:-1]) for r in recs),
+    checks.check(all(r[-1:] == b"\n" and (chr(r[0]) in program_row["tags"] or b"\n" not in r[:-1]) for r in recs),
                  label + "every record ends in its LF")
     starts = [i for i, r in enumerate(recs) if r[0:9] == b"X$STARTED"]
     pauses = [i for i, r in enumerate(recs) if r[0:7] == b"XPAUSED"]
@@ -190,12 +190,12 @@ def check_file(checks, program, data, log_path, report):
         checks.check(set(while_logging) <= set(logged),
                      label + "all %d sentences sent between \"$STARTED\" and \"PAUSED\" are in the file"
                      % len(while_logging))
-    frames = spec["frames"](log_path)
-    texts, positions = walk.check_readings(checks, label, recs[begin:end], length, frames, spec["frame_length"], 1,
-                                           spec["frame_ms"], spec["tags"])
+    frames = program_row["frames"](log_path)
+    texts, positions = walk.check_readings(checks, label, recs[begin:end], length, frames, program_row["frame_length"], 1,
+                                           program_row["frame_ms"], program_row["tags"])
     skipped = sum(b - a - 1 for a, b in zip(positions, positions[1:]))
     span = positions[-1] - positions[0] + 1 if positions else 0
-    if spec["posted"]:
+    if program_row["posted"]:
         # The reader posts its frame and reads on: a frame may be overwritten
         # by the next while the screen's thread is held up (two compile jobs
         # on both cores do that now and then); none may come twice.
@@ -209,7 +209,7 @@ def check_file(checks, program, data, log_path, report):
                      "none lost, none twice" % (len(texts), span))
     if positions and at >= 0:
         # Frames sent after "$STARTED" and before "PAUSED" that are not logged.
-        ticks = [int(r[tick_at:tick_at + 10]) for r in recs[begin:end] if chr(r[0]) in spec["tags"]]
+        ticks = [int(r[tick_at:tick_at + 10]) for r in recs[begin:end] if chr(r[0]) in program_row["tags"]]
         offsets = sorted(frames[p][2] - t for p, t in zip(positions, ticks))
         offset = offsets[len(offsets) // 2]
         first = int(recs[begin][tick_at:tick_at + 10]) + offset + 200
@@ -226,12 +226,12 @@ def check_file(checks, program, data, log_path, report):
 def run(checks, program, minutes, stem="SOAK", report=harness.log):
     """Logs for `minutes` with the samples of each minute, then reads the file
     back. Returns (samples, readback figures), or None when no session ran."""
-    spec = PROGRAMS[program]
+    program_row = PROGRAMS[program]
     with harness.Sandbox("soak-" + program.replace("-", "")) as box:
         check_gdi_count(checks, box)
-        session.edit_settings(session.first_start(box, program), spec["lines"])
+        session.edit_settings(session.first_start(box, program), program_row["lines"])
         log_path = os.path.join(box.prefix, "sent.log")
-        sim = start_simulator(box, spec["model"], log_path)
+        sim = start_simulator(box, program_row["model"], log_path)
         started, window = session.start_program(box, program)
         if not checks.check(walk.open_logging(box, window), program + ": logging screen and a first fix"):
             return None
