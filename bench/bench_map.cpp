@@ -17,6 +17,7 @@
 #ifdef _WIN32
 #include "core/platform_win.h"
 #include "map/map_canvas_win.h"
+#include "map_window_raster_win.h"
 
 #include <psapi.h>
 #endif
@@ -210,20 +211,7 @@ int main() {
   BenchRedraw("logic");
 #ifdef _WIN32
   // A raster stands in for the window, as large as the map window's client.
-  BITMAPINFO info = {};
-  info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-  info.bmiHeader.biWidth = WINDOW_SIDE - 2;
-  info.bmiHeader.biHeight = -(WINDOW_SIDE - 2);
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 24;
-  void* bits = nullptr;
-  HBITMAP windowBitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-  HDC windowDc = CreateCompatibleDC(nullptr);
-  SelectObject(windowDc, windowBitmap);
-  CreateFixedPens();
-  CreateMapPens(0);
-  UseGdiMapSurface();
-  UseMapWindowDc(windowDc);
+  DrawMapIntoWindowRaster(WINDOW_SIDE);
   const DWORD objectsBefore = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
   BenchLiveUpdate("GDI");
   const DWORD objectsAfter = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);

@@ -36,6 +36,7 @@
 #include "core/platform_win.h"
 #include "datafile/replay_file_win.h"
 #include "map/map_canvas_win.h"
+#include "map_window_raster_win.h"
 #endif
 
 void SelectVariant(int instrumentModel, int productMode);
@@ -271,21 +272,8 @@ int main() {
 #ifdef _WIN32
   WriteDayFileToDisk();
   // A raster stands in for the map window.
-  BITMAPINFO info = {};
-  info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-  info.bmiHeader.biWidth = WINDOW_SIDE - 2;
-  info.bmiHeader.biHeight = -(WINDOW_SIDE - 2);
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 24;
-  void* bits = nullptr;
-  HBITMAP windowBitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-  HDC windowDc = CreateCompatibleDC(nullptr);
-  SelectObject(windowDc, windowBitmap);
-  CreateFixedPens();
-  CreateMapPens(0);
+  DrawMapIntoWindowRaster(WINDOW_SIDE);
   CreateColorScalePens();
-  UseGdiMapSurface();
-  UseMapWindowDc(windowDc);
   RunAll("GDI");
   printf("GDI   pages held at the end: %d (%.1f MiB), packed %.1f MiB\n", MapGdiPageCount(),
          MapGdiPageBytes() / 1048576.0, MapGdiPackedBytes() / 1048576.0);
